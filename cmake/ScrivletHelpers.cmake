@@ -3,7 +3,8 @@
 set(SCRIVLET_SOURCE_ROOT "${CMAKE_SOURCE_DIR}/src")
 
 function(scrivlet_set_warnings target)
-    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+    # Aggregates of optionals are built with only the fields that matter.
+    target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wno-missing-field-initializers)
     if(SCRIVLET_WERROR)
         target_compile_options(${target} PRIVATE -Werror)
     endif()

@@ -1,0 +1,315 @@
+#include "platform/qt/DocumentTextStorage.h"
+
+#include <QColor>
+#include <QFont>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextEdit>
+#include <QTimer>
+
+Q_DECLARE_METATYPE(scrivlet::TextAttributes)
+
+namespace scrivlet {
+
+namespace {
+
+// Where the passes' own attributes ride along inside a character format.
+constexpr int kAttributesProperty = QTextFormat::UserProperty + 1;
+
+TextAttributes storedAttributes(const QTextCharFormat &format)
+{
+    const QVariant v = format.property(kAttributesProperty);
+    return v.isValid() ? v.value<TextAttributes>() : TextAttributes{};
+}
+
+} // namespace
+
+DocumentTextStorage::DocumentTextStorage(QTextEdit *editor, ColorResolver colors)
+    : QObject(editor), m_editor(editor), m_document(editor->document()), m_colors(std::move(colors))
+{
+    connect(m_document, &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
+        if (removed != 0 || added != 0)
+            m_cacheValid = false;
+    });
+}
+
+DocumentTextStorage::~DocumentTextStorage() = default;
+
+QString DocumentTextStorage::string() const
+{
+    if (!m_cacheValid) {
+        // The document separates paragraphs with U+2029 where the note has a line feed.
+        m_cachedText = m_document->toRawText();
+        m_cachedText.replace(QChar::ParagraphSeparator, u'\n');
+        m_cacheValid = true;
+    }
+    return m_cachedText;
+}
+
+qsizetype DocumentTextStorage::length() const
+{
+    return std::max(0, m_document->characterCount() - 1);
+}
+
+TextRange DocumentTextStorage::clamp(const TextRange &range) const
+{
+    const qsizetype size = length();
+    const qsizetype location = qBound<qsizetype>(0, range.location, size);
+    const qsizetype end = qBound<qsizetype>(location, range.end(), size);
+    return {location, end - location};
+}
+
+TextRange DocumentTextStorage::selectedRange() const
+{
+    const QTextCursor cursor = m_editor->textCursor();
+    return {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
+}
+
+void DocumentTextStorage::setSelectedRange(const TextRange &range)
+{
+    const TextRange r = clamp(range);
+    QTextCursor cursor = m_editor->textCursor();
+    cursor.setPosition(int(r.location));
+    cursor.setPosition(int(r.end()), QTextCursor::KeepAnchor);
+    m_editor->setTextCursor(cursor);
+}
+
+TextAttributes DocumentTextStorage::attributesAt(qsizetype index, TextRange *effectiveRange) const
+{
+    const qsizetype size = length();
+    const qsizetype at = qBound<qsizetype>(0, index, std::max<qsizetype>(0, size - 1));
+    TextAttributes found;
+    TextRange foundRange{at, size > 0 ? 1 : 0};
+    // The run is looked for within the paragraph: enough for every pass, and it keeps a
+    // look-up in a long note from walking the whole document.
+    const QTextBlock block = m_document->findBlock(int(at));
+    enumerateRuns({block.position(), block.length()}, [&](const TextRange &run, const TextAttributes &attributes) {
+        if (run.contains(at)) {
+            found = attributes;
+            foundRange = run;
+        }
+    });
+    if (effectiveRange)
+        *effectiveRange = foundRange;
+    return found;
+}
+
+void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor &visit) const
+{
+    const TextRange r = clamp(range);
+    if (r.isEmpty())
+        return;
+    // Fragments break at paragraph ends even where the attributes go on: join equal
+    // neighbours so a run is what the passes laid, not how the document stores it.
+    TextRange pending;
+    TextAttributes pendingAttributes;
+    bool havePending = false;
+    auto flush = [&] {
+        if (havePending && !pending.isEmpty())
+            visit(pending, pendingAttributes);
+        havePending = false;
+    };
+    for (QTextBlock block = m_document->findBlock(int(r.location)); block.isValid() && block.position() < r.end();
+         block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextFragment fragment = it.fragment();
+            const qsizetype from = std::max<qsizetype>(fragment.position(), r.location);
+            const qsizetype to = std::min<qsizetype>(fragment.position() + fragment.length(), r.end());
+            if (to <= from)
+                continue;
+            const TextAttributes attributes = storedAttributes(fragment.charFormat());
+            if (havePending && pending.end() == from && pendingAttributes == attributes) {
+                pending.length = to - pending.location;
+            } else {
+                flush();
+                pending = {from, to - from};
+                pendingAttributes = attributes;
+                havePending = true;
+            }
+        }
+        // The paragraph separator belongs to the run before it.
+        const qsizetype separator = block.position() + block.length() - 1;
+        if (block.next().isValid() && separator >= r.location && separator < r.end()) {
+            const TextAttributes attributes = storedAttributes(block.charFormat());
+            if (havePending && pending.end() == separator) {
+                pending.length += 1;
+            } else {
+                flush();
+                pending = {separator, 1};
+                pendingAttributes = attributes;
+                havePending = true;
+            }
+        }
+    }
+    flush();
+}
+
+QTextCharFormat DocumentTextStorage::charFormat(const TextAttributes &a) const
+{
+    QTextCharFormat format;
+    format.setProperty(kAttributesProperty, QVariant::fromValue(a));
+    std::optional<FontSpec> font = a.font;
+    if (font) {
+        QFont f(font->family);
+        f.setStyleHint(QFont::Monospace);
+        if (font->pointSize > 0)
+            f.setPointSizeF(font->pointSize);
+        f.setBold(font->bold);
+        f.setItalic(font->italic);
+        format.setFont(f);
+    }
+    // A styled run's own traits and colours come on top of the run's plain attributes.
+    if (a.custom) {
+        if (a.custom->bold)
+            format.setFontWeight(*a.custom->bold ? QFont::Bold : QFont::Normal);
+        if (a.custom->italic)
+            format.setFontItalic(*a.custom->italic);
+    }
+    const std::optional<QString> foreground = a.custom && a.custom->color ? a.custom->color : a.foreground;
+    if (foreground)
+        format.setForeground(m_colors(*foreground));
+    const std::optional<QString> background =
+        a.custom && a.custom->backgroundColor ? a.custom->backgroundColor : a.background;
+    if (background)
+        format.setBackground(m_colors(*background));
+    const std::optional<int> underline =
+        a.custom && a.custom->underlineStyle ? a.custom->underlineStyle : a.underlineStyle;
+    if (underline)
+        format.setFontUnderline(*underline != 0);
+    const std::optional<int> strike =
+        a.custom && a.custom->strikethroughStyle ? a.custom->strikethroughStyle : a.strikethroughStyle;
+    if (strike)
+        format.setFontStrikeOut(*strike != 0);
+    const std::optional<QString> underlineColor =
+        a.custom && a.custom->underlineColor ? a.custom->underlineColor : a.underlineColor;
+    if (underlineColor)
+        format.setUnderlineColor(m_colors(*underlineColor));
+    return format;
+}
+
+void DocumentTextStorage::applyParagraph(const TextRange &range, const TextAttributes &attributes)
+{
+    if (!attributes.paragraph)
+        return;
+    const ParagraphSpec &p = *attributes.paragraph;
+    QTextBlockFormat block;
+    block.setLineHeight(p.lineHeightMultiple * 100.0, QTextBlockFormat::ProportionalHeight);
+    block.setTextIndent(p.firstLineHeadIndent - p.headIndent);
+    block.setLeftMargin(p.headIndent);
+    if (p.tabStop > 0)
+        block.setTabPositions({QTextOption::Tab(p.tabStop, QTextOption::LeftTab)});
+    QTextCursor cursor(m_document);
+    cursor.setPosition(int(range.location));
+    cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
+    cursor.mergeBlockFormat(block);
+}
+
+template<typename Change>
+void DocumentTextStorage::changeRuns(const TextRange &range, Change change)
+{
+    const TextRange r = clamp(range);
+    if (r.isEmpty())
+        return;
+    std::vector<std::pair<TextRange, TextAttributes>> runs;
+    enumerateRuns(r, [&](const TextRange &run, const TextAttributes &attributes) {
+        TextAttributes changed = attributes;
+        change(changed);
+        if (!(changed == attributes))
+            runs.emplace_back(run, std::move(changed));
+    });
+    if (runs.empty())
+        return;
+    QTextCursor cursor(m_document);
+    cursor.beginEditBlock();
+    for (const auto &[run, attributes] : runs) {
+        cursor.setPosition(int(run.location));
+        cursor.setPosition(int(run.end()), QTextCursor::KeepAnchor);
+        cursor.setCharFormat(charFormat(attributes));
+        applyParagraph(run, attributes);
+    }
+    cursor.endEditBlock();
+}
+
+void DocumentTextStorage::addAttributes(const TextRange &range, const TextAttributes &attributes)
+{
+    changeRuns(range, [&](TextAttributes &a) { a.merge(attributes); });
+}
+
+void DocumentTextStorage::setAttributes(const TextRange &range, const TextAttributes &attributes)
+{
+    changeRuns(range, [&](TextAttributes &a) { a = attributes; });
+}
+
+void DocumentTextStorage::removeAttributes(const TextRange &range, unsigned fields)
+{
+    changeRuns(range, [&](TextAttributes &a) { a.clear(fields); });
+}
+
+void DocumentTextStorage::replaceCharacters(const TextRange &range, const QString &text,
+                                            const TextAttributes &attributes)
+{
+    const TextRange r = clamp(range);
+    QTextCursor cursor(m_document);
+    cursor.setPosition(int(r.location));
+    cursor.setPosition(int(r.end()), QTextCursor::KeepAnchor);
+    cursor.insertText(text, charFormat(attributes));
+    applyParagraph({r.location, text.size()}, attributes);
+}
+
+void DocumentTextStorage::setText(const QString &text, const TextAttributes &attributes)
+{
+    const TextRange selection = selectedRange();
+    QTextCursor cursor(m_document);
+    cursor.beginEditBlock();
+    cursor.select(QTextCursor::Document);
+    cursor.insertText(text, charFormat(attributes));
+    cursor.endEditBlock();
+    applyParagraph({0, length()}, attributes);
+    setSelectedRange(selection);
+}
+
+void DocumentTextStorage::beginEditing()
+{
+    ++m_editingDepth;
+}
+
+void DocumentTextStorage::endEditing()
+{
+    if (m_editingDepth > 0)
+        --m_editingDepth;
+}
+
+void DocumentTextStorage::setTypingAttributes(const TextAttributes &attributes)
+{
+    m_typingAttributes = attributes;
+    m_editor->setCurrentCharFormat(charFormat(attributes));
+}
+
+void DocumentTextStorage::invalidateDisplay(const TextRange &)
+{
+    if (m_redrawQueued)
+        return;
+    m_redrawQueued = true;
+    QTimer::singleShot(0, this, [this] {
+        m_redrawQueued = false;
+        m_editor->viewport()->update();
+    });
+}
+
+void DocumentTextStorage::refreshFormats()
+{
+    std::vector<std::pair<TextRange, TextAttributes>> runs;
+    enumerateRuns({0, length()}, [&](const TextRange &run, const TextAttributes &a) { runs.emplace_back(run, a); });
+    QTextCursor cursor(m_document);
+    cursor.beginEditBlock();
+    for (const auto &[run, attributes] : runs) {
+        cursor.setPosition(int(run.location));
+        cursor.setPosition(int(run.end()), QTextCursor::KeepAnchor);
+        cursor.setCharFormat(charFormat(attributes));
+    }
+    cursor.endEditBlock();
+    m_editor->setCurrentCharFormat(charFormat(m_typingAttributes));
+}
+
+} // namespace scrivlet

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "platform/TextStorage.h"
+
+#include <QHash>
+#include <QObject>
+
+#include <functional>
+
+class QColor;
+class QTextCharFormat;
+class QTextDocument;
+class QTextEdit;
+
+namespace scrivlet {
+
+// The editor's document seen as the text storage the text passes run on. The passes'
+// attributes are kept whole in each character format, so they read back exactly what
+// they laid; the visible format is made from them through the theme's colours.
+class DocumentTextStorage final : public QObject, public TextStorage {
+    Q_OBJECT
+public:
+    using ColorResolver = std::function<QColor(const QString &role)>;
+
+    DocumentTextStorage(QTextEdit *editor, ColorResolver colors);
+    ~DocumentTextStorage() override;
+
+    QString string() const override;
+    qsizetype length() const override;
+
+    TextRange selectedRange() const override;
+    void setSelectedRange(const TextRange &range) override;
+
+    TextAttributes attributesAt(qsizetype index, TextRange *effectiveRange = nullptr) const override;
+    void enumerateRuns(const TextRange &range, const RunVisitor &visit) const override;
+    void addAttributes(const TextRange &range, const TextAttributes &attributes) override;
+    void setAttributes(const TextRange &range, const TextAttributes &attributes) override;
+    void removeAttributes(const TextRange &range, unsigned fields) override;
+
+    void replaceCharacters(const TextRange &range, const QString &text, const TextAttributes &attributes) override;
+    void setText(const QString &text, const TextAttributes &attributes) override;
+
+    void beginEditing() override;
+    void endEditing() override;
+
+    TextStorageDelegate *delegate() const override { return m_delegate; }
+    void setDelegate(TextStorageDelegate *delegate) override { m_delegate = delegate; }
+
+    TextAttributes typingAttributes() const override { return m_typingAttributes; }
+    void setTypingAttributes(const TextAttributes &attributes) override;
+
+    void invalidateDisplay(const TextRange &range) override;
+
+    // Re-derives every visible format from the stored attributes, as after a theme change.
+    void refreshFormats();
+
+private:
+    template<typename Change>
+    void changeRuns(const TextRange &range, Change change);
+    QTextCharFormat charFormat(const TextAttributes &attributes) const;
+    void applyParagraph(const TextRange &range, const TextAttributes &attributes);
+    TextRange clamp(const TextRange &range) const;
+
+    QTextEdit *m_editor;
+    QTextDocument *m_document;
+    ColorResolver m_colors;
+    TextStorageDelegate *m_delegate = nullptr;
+    TextAttributes m_typingAttributes;
+    int m_editingDepth = 0;
+    bool m_redrawQueued = false;
+    mutable QString m_cachedText;
+    mutable bool m_cacheValid = false;
+};
+
+} // namespace scrivlet
