@@ -128,11 +128,12 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
                 havePending = true;
             }
         }
-        // The paragraph separator belongs to the run before it.
+        // The line feed between two paragraphs carries the character format of the
+        // paragraph it opens.
         const qsizetype separator = block.position() + block.length() - 1;
         if (block.next().isValid() && separator >= r.location && separator < r.end()) {
-            const TextAttributes attributes = storedAttributes(block.charFormat());
-            if (havePending && pending.end() == separator) {
+            const TextAttributes attributes = storedAttributes(block.next().charFormat());
+            if (havePending && pending.end() == separator && pendingAttributes == attributes) {
                 pending.length += 1;
             } else {
                 flush();

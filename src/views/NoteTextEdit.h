@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/TextRange.h"
+#include "views/ThemePalette.h"
+
+#include <QTextEdit>
+
+#include <functional>
+#include <limits>
+#include <optional>
+
+namespace scrivlet {
+
+class DocumentTextStorage;
+
+// The text view of one note. It tells, for every change the user makes, what the
+// text was, which range was replaced by what, and how the change came about (typing,
+// deleting, pasting...). Changes made by the text passes themselves stay quiet.
+class NoteTextEdit final : public QTextEdit {
+    Q_OBJECT
+public:
+    enum class Action { Keydown, Delete, Copy, Cut, Paste, Drag, MouseDown, Selected };
+
+    struct Edit {
+        QString before;
+        TextRange replaced; // in `before`
+        QString inserted;
+        std::optional<Action> action;
+    };
+    using EditHandler = std::function<void(const Edit &edit)>;
+
+    explicit NoteTextEdit(QWidget *parent = nullptr);
+    ~NoteTextEdit() override;
+
+    DocumentTextStorage &storage() const { return *m_storage; }
+    void setEditHandler(EditHandler handler) { m_onEdit = std::move(handler); }
+    void setTheme(const ThemePalette &palette);
+    const ThemePalette &theme() const { return m_theme; }
+    // Takes the text of a note as the start of its history: nothing is reported.
+    void loadText(const QString &text);
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void insertFromMimeData(const QMimeData *source) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void documentChanged();
+    void withAction(Action action, const std::function<void()> &body);
+
+    ThemePalette m_theme;
+    DocumentTextStorage *m_storage;
+    EditHandler m_onEdit;
+    QString m_lastText;
+    std::optional<Action> m_action;
+    bool m_loading = false;
+    qsizetype m_changeStart = std::numeric_limits<qsizetype>::max();
+};
+
+} // namespace scrivlet

@@ -1,0 +1,118 @@
+#include "platform/qt/DocumentTextStorage.h"
+#include "views/NoteTextEdit.h"
+
+#include <QTest>
+#include <gtest/gtest.h>
+
+using namespace scrivlet;
+
+namespace {
+
+struct Listening : TextStorageDelegate {
+    int calls = 0;
+    void textStorageDidChange(TextStorage &) override { ++calls; }
+};
+
+TextAttributes role(const QString &name)
+{
+    TextAttributes a;
+    a.foreground = name;
+    return a;
+}
+
+} // namespace
+
+TEST(NoteTextEdit, ReportsEachUserEditWithWhatItReplaced)
+{
+    NoteTextEdit editor;
+    Listening listening;
+    editor.storage().setDelegate(&listening);
+    std::vector<NoteTextEdit::Edit> edits;
+    editor.setEditHandler([&](const NoteTextEdit::Edit &e) { edits.push_back(e); });
+    editor.loadText(QStringLiteral("aa\nline"));
+    EXPECT_TRUE(edits.empty()) << "loading a note is no edit";
+
+    editor.storage().setSelectedRange({1, 0});
+    QTest::keyClicks(&editor, QStringLiteral("a"));
+    ASSERT_EQ(edits.size(), 1u);
+    EXPECT_EQ(edits[0].before, QStringLiteral("aa\nline"));
+    EXPECT_EQ(edits[0].replaced, (TextRange{1, 0})); // not at 2, though "aaa" reads the same
+    EXPECT_EQ(edits[0].inserted, QStringLiteral("a"));
+    EXPECT_EQ(edits[0].action, NoteTextEdit::Action::Keydown);
+
+    editor.storage().setSelectedRange({7, 0});
+    QTest::keyClick(&editor, Qt::Key_Backspace);
+    ASSERT_EQ(edits.size(), 2u);
+    EXPECT_EQ(edits[1].replaced, (TextRange{6, 1}));
+    EXPECT_TRUE(edits[1].inserted.isEmpty());
+    EXPECT_EQ(edits[1].action, NoteTextEdit::Action::Delete);
+
+    QTest::keyClick(&editor, Qt::Key_Return);
+    ASSERT_EQ(edits.size(), 3u);
+    EXPECT_EQ(edits[2].inserted, QStringLiteral("\n"));
+    EXPECT_EQ(editor.storage().string(), QStringLiteral("aaa\nli\ne"));
+
+    // What the passes do with the delegate taken away, and changes of attributes
+    // alone, are not the user's edits.
+    editor.storage().setDelegate(nullptr);
+    editor.storage().replaceCharacters({0, 0}, QStringLiteral("sum\n"), {});
+    editor.storage().setDelegate(&listening);
+    editor.storage().addAttributes({0, 3}, role(QStringLiteral("accent3Main")));
+    EXPECT_EQ(edits.size(), 3u);
+
+    QTest::keyClicks(&editor, QStringLiteral("x"));
+    ASSERT_EQ(edits.size(), 4u);
+    EXPECT_EQ(edits[3].before, QStringLiteral("sum\naaa\nli\ne"));
+}
+
+TEST(DocumentTextStorage, KeepsThePassesAttributesAndLineFeeds)
+{
+    NoteTextEdit editor;
+    DocumentTextStorage &storage = editor.storage();
+    editor.loadText(QStringLiteral("math\n1+1=2\n\nend"));
+    EXPECT_EQ(storage.string(), QStringLiteral("math\n1+1=2\n\nend"));
+    EXPECT_EQ(storage.length(), 15);
+
+    TextAttributes keyword = role(QStringLiteral("accent1Main"));
+    keyword.custom = CustomAttribute{QStringLiteral("keyword"), QStringLiteral("MATH")};
+    storage.addAttributes({0, 4}, keyword);
+    TextAttributes result;
+    result.custom = CustomAttribute{QStringLiteral("math"), QStringLiteral("calculatedFieldHighlight")};
+    storage.addAttributes({9, 1}, result);
+
+    TextRange effective;
+    const TextAttributes atStart = storage.attributesAt(2, &effective);
+    ASSERT_TRUE(atStart.custom);
+    EXPECT_EQ(atStart.custom->subtag, QStringLiteral("MATH"));
+    EXPECT_EQ(effective, (TextRange{0, 4}));
+    ASSERT_TRUE(storage.attributesAt(9).custom);
+    EXPECT_EQ(storage.attributesAt(9).custom->tag, QStringLiteral("math"));
+    EXPECT_FALSE(storage.attributesAt(8).custom);
+
+    // Runs come back as laid, across the document's own paragraph breaks.
+    std::vector<TextRange> customRuns;
+    storage.enumerateRuns({0, storage.length()}, [&](const TextRange &r, const TextAttributes &a) {
+        if (a.custom)
+            customRuns.push_back(r);
+    });
+    EXPECT_EQ(customRuns, (std::vector<TextRange>{{0, 4}, {9, 1}}));
+
+    storage.removeAttributes({0, storage.length()}, TextAttributes::Custom);
+    EXPECT_FALSE(storage.attributesAt(2).custom);
+    EXPECT_EQ(storage.attributesAt(2).foreground, QStringLiteral("accent1Main"));
+
+    storage.replaceCharacters({10, 0}, QStringLiteral("00"), role(QStringLiteral("typeMain")));
+    EXPECT_EQ(storage.string(), QStringLiteral("math\n1+1=200\n\nend"));
+    EXPECT_EQ(storage.substring(storage.lineRange({11, 0})), QStringLiteral("1+1=200\n"));
+
+    // Attributes over the whole text cover its line feeds too: one run.
+    storage.setAttributes({0, storage.length()}, role(QStringLiteral("typeMain")));
+    int runs = 0;
+    storage.enumerateRuns({0, storage.length()}, [&](const TextRange &, const TextAttributes &) { ++runs; });
+    EXPECT_EQ(runs, 1);
+
+    storage.setSelectedRange({2, 3});
+    EXPECT_EQ(storage.selectedRange(), (TextRange{2, 3}));
+    storage.setSelectedRange({100, 0});
+    EXPECT_EQ(storage.selectedRange(), (TextRange{storage.length(), 0}));
+}
