@@ -1,0 +1,127 @@
+#pragma once
+
+#include "notes/CDNote.h"
+#include "notes/Note.h"
+#include "notes/NotePredicate.h"
+#include "notes/NoteViewModel.h"
+#include "notes/Transaction.h"
+#include "shell/preferences/NotesPreferences.h"
+
+#include <QDateTime>
+#include <QUuid>
+
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace scrivlet {
+
+class Clock;
+class CoreDataStack;
+class Database;
+class LocalEditRecorder;
+class PendingChangeSink;
+class SettingsStore;
+class Statement;
+
+// The one gate to the store: every query, every write, and the hand-over of saved
+// notes to sync. Writes gather in an open transaction, the counterpart of an object
+// context; `save` commits them and tells sync which notes were written. A failed save
+// keeps the changes pending, so the next save tries them again.
+//
+// Used on the main thread only.
+class CoreDataManager {
+    Q_DISABLE_COPY_MOVE(CoreDataManager)
+
+public:
+    static constexpr qint64 kIndexStep = 10000;
+
+    CoreDataManager(CoreDataStack &stack, SettingsStore &settings, const Clock &clock);
+    ~CoreDataManager();
+
+    // Tutorial notes are dated here so they sort before anything the user writes.
+    static QDateTime onboardingAnchorDate() { return QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC); }
+    bool isImporting() const { return m_isImporting; }
+    void setIsImporting(bool importing) { m_isImporting = importing; }
+    bool isReloadingFromImport() const { return m_isReloadingFromImport; }
+    void setIsReloadingFromImport(bool reloading) { m_isReloadingFromImport = reloading; }
+
+    // Seams for sync; both may be null. Neither is owned.
+    void setPendingChangeSink(PendingChangeSink *sink) { m_sink = sink; }
+    void setLocalEditRecorder(LocalEditRecorder *recorder) { m_recorder = recorder; }
+
+    // Queries. A failed fetch is logged and gives an empty result.
+    std::optional<CDNote> fetchRow(const QUuid &id);
+    std::optional<Note> fetchNote(const QUuid &id);
+    std::vector<Note> fetchAll(bool includeSlotted);
+    std::vector<Note> fetchAfter(const Note &note, int limit);
+    std::vector<Note> fetchBefore(const Note &note, int limit);
+    std::vector<Note> fetchLatest(int limit, bool slotted);
+    std::vector<Note> fetchMatching(const NotePredicate &predicate);
+    std::vector<Note> fetchTrash();
+    int countTrash();
+
+    // Writes; each ends in `save`.
+    Note createNote();
+    void saveNote(const Note &note);
+    bool deleteRow(const QUuid &id);
+    std::optional<qint64> moveToFront(const QUuid &id, bool touch);
+    bool setContent(const QUuid &id, const QString &content);
+    bool softDelete(const QUuid &id);
+    bool deleteIfEmpty(const QUuid &id);
+    bool save();
+    bool hasChanges() const { return !m_changes.empty(); }
+
+    // The sparse index.
+    qint64 nextDbIndex(bool isSlotted);
+    qint64 nextTutorialDbIndex();
+    static qint64 dbIndexBetween(qint64 lower, qint64 upper);
+
+    // Whether the stored row of `note` is behind it in a way worth a save.
+    bool noteDiffers(const Note &note);
+    // The editor's save of a copy of a note. The lists are the loaded stack and the
+    // slotted notes, either of which may be absent.
+    void saveFromEditor(const Note &note, NoteViewModelList *noteViewModels, NoteViewModelList *slottedNoteViewModels);
+
+    void migrateToSparseIndex();
+    int positionUnplacedNotes(qint64 step = kIndexStep, qint64 base = kIndexStep);
+
+private:
+    enum class ChangeKind { inserted, updated, deleted };
+    struct Change {
+        ChangeKind kind;
+        std::optional<QUuid> id;
+        quint64 order;
+    };
+
+    bool beginWrite();
+    void markInserted(qint64 objectId, const std::optional<QUuid> &id);
+    void markUpdated(qint64 objectId, const std::optional<QUuid> &id);
+    void markDeleted(qint64 objectId, const std::optional<QUuid> &id);
+    bool commitContext(bool queueForSync);
+
+    Statement *statement(const QString &sql);
+    std::optional<std::vector<CDNote>> selectRecords(Statement &query, bool withChildren);
+    bool loadChildren(CDNote &record);
+    std::optional<CDNote> fetchRecord(const QUuid &id, bool withChildren);
+    std::vector<Note> toNotes(const std::vector<CDNote> &records) const;
+    std::optional<qint64> insertRecord(const CDNote &record);
+    bool writeRecord(const CDNote &record);
+    bool insertChildren(const CDNote &record);
+    bool updateColumn(const QString &sql, qint64 objectId, const QVariant &value);
+
+    Database &m_db;
+    SettingsStore &m_settings;
+    NotesPreferences m_preferences;
+    const Clock &m_clock;
+    PendingChangeSink *m_sink = nullptr;
+    LocalEditRecorder *m_recorder = nullptr;
+    bool m_isImporting = false;
+    bool m_isReloadingFromImport = false;
+
+    std::optional<Transaction> m_context;
+    std::map<qint64, Change> m_changes;
+    quint64 m_changeCounter = 0;
+};
+
+} // namespace scrivlet

@@ -1,0 +1,7 @@
+#include "notes/NotesLogging.h"
+
+namespace scrivlet {
+
+Q_LOGGING_CATEGORY(lcNotes, "scrivlet.notes")
+
+} // namespace scrivlet
