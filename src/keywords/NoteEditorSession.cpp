@@ -47,8 +47,14 @@ void NoteEditorSession::open()
 
 void NoteEditorSession::willChangeText(const TextRange &range, const QString &replacement, UserActionType action)
 {
+    recordEdit(m_storage.string(), range, replacement, action);
+}
+
+void NoteEditorSession::recordEdit(const QString &before, const TextRange &range, const QString &replacement,
+                                   UserActionType action)
+{
     m_edit.lastModifiedRange = range;
-    m_edit.preModifiedContent = m_storage.string();
+    m_edit.preModifiedContent = before;
     m_edit.lastModifiedContent =
         replacement.isEmpty() && action == UserActionType::delete_ ? QString(EditRecord::kBackwardDelete) : replacement;
     m_edit.lastModificationAction = action;

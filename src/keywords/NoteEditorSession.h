@@ -37,6 +37,10 @@ public:
     // Called by the editor just before it changes the text: what is replaced, by what,
     // and how. A backward delete has an empty `replacement`.
     void willChangeText(const TextRange &range, const QString &replacement, UserActionType action);
+    // The same record for an editor that learns of a change only after it happened,
+    // and so hands over the text as it was before.
+    void recordEdit(const QString &before, const TextRange &range, const QString &replacement,
+                    UserActionType action);
     // The text-did-change handler.
     void textDidChange();
     // Gives the whole text the default attributes anew, keeping the selection, and runs

@@ -32,15 +32,17 @@ HintTextView::HintTextView(NoteTextEdit *editor)
 
 void HintTextView::setHint(bool show, const QString &text)
 {
+    // A plain note asks to show an empty hint: there is nothing to fade in.
+    show = show && !text.isEmpty();
     if (show)
         setText(text);
     if (show == m_shown)
         return;
     m_shown = show;
-    QPalette p = palette();
-    p.setColor(QPalette::WindowText, m_editor->theme().color(QStringLiteral("typeSubtle")));
-    setPalette(p);
-    setFont(m_editor->font());
+    // The hint reads as part of the note, only quieter: the note's font, a subdued colour.
+    setStyleSheet(QStringLiteral("color: %1; background: transparent;")
+                      .arg(m_editor->theme().color(QStringLiteral("typeSubtle")).name()));
+    setFont(m_editor->currentCharFormat().font());
     reposition();
     QLabel::show();
     m_fade->stop();

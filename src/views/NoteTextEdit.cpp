@@ -49,7 +49,7 @@ void NoteTextEdit::loadText(const QString &text)
     m_storage->setSelectedRange({m_lastText.size(), 0});
 }
 
-void NoteTextEdit::withAction(Action action, const std::function<void()> &body)
+void NoteTextEdit::withAction(UserActionType action, const std::function<void()> &body)
 {
     const auto previous = m_action;
     m_action = action;
@@ -60,15 +60,17 @@ void NoteTextEdit::withAction(Action action, const std::function<void()> &body)
 void NoteTextEdit::keyPressEvent(QKeyEvent *event)
 {
     const bool deleting = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
+    if (!event->text().isEmpty())
+        m_storage->applyTypingAttributes();
     if (event->matches(QKeySequence::Cut)) {
-        withAction(Action::Cut, [&] { QTextEdit::keyPressEvent(event); });
+        withAction(UserActionType::cut, [&] { QTextEdit::keyPressEvent(event); });
         return;
     }
     if (event->matches(QKeySequence::Paste)) {
-        withAction(Action::Paste, [&] { QTextEdit::keyPressEvent(event); });
+        withAction(UserActionType::paste, [&] { QTextEdit::keyPressEvent(event); });
         return;
     }
-    withAction(deleting ? Action::Delete : Action::Keydown, [&] { QTextEdit::keyPressEvent(event); });
+    withAction(deleting ? UserActionType::delete_ : UserActionType::keydown, [&] { QTextEdit::keyPressEvent(event); });
 }
 
 void NoteTextEdit::insertFromMimeData(const QMimeData *source)
@@ -77,13 +79,16 @@ void NoteTextEdit::insertFromMimeData(const QMimeData *source)
     if (!source->hasText())
         return;
     const QString text = source->text();
-    const auto action = m_action == Action::Drag ? Action::Drag : Action::Paste;
-    withAction(action, [&] { textCursor().insertText(text); });
+    const auto action = m_action == UserActionType::drag ? UserActionType::drag : UserActionType::paste;
+    withAction(action, [&] {
+        m_storage->applyTypingAttributes();
+        textCursor().insertText(text, currentCharFormat());
+    });
 }
 
 void NoteTextEdit::dropEvent(QDropEvent *event)
 {
-    withAction(Action::Drag, [&] { QTextEdit::dropEvent(event); });
+    withAction(UserActionType::drag, [&] { QTextEdit::dropEvent(event); });
 }
 
 void NoteTextEdit::documentChanged()
@@ -118,6 +123,8 @@ void NoteTextEdit::documentChanged()
     edit.action = m_action;
     if (m_onEdit)
         m_onEdit(edit);
+    if (TextStorageDelegate *delegate = m_storage->delegate())
+        delegate->textStorageDidChange(*m_storage);
 }
 
 } // namespace scrivlet

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "keywords/UserActionType.h"
 #include "platform/TextRange.h"
 #include "views/ThemePalette.h"
 
@@ -19,13 +20,11 @@ class DocumentTextStorage;
 class NoteTextEdit final : public QTextEdit {
     Q_OBJECT
 public:
-    enum class Action { Keydown, Delete, Copy, Cut, Paste, Drag, MouseDown, Selected };
-
     struct Edit {
         QString before;
         TextRange replaced; // in `before`
         QString inserted;
-        std::optional<Action> action;
+        std::optional<UserActionType> action;
     };
     using EditHandler = std::function<void(const Edit &edit)>;
 
@@ -46,13 +45,13 @@ protected:
 
 private:
     void documentChanged();
-    void withAction(Action action, const std::function<void()> &body);
+    void withAction(UserActionType action, const std::function<void()> &body);
 
     ThemePalette m_theme;
     DocumentTextStorage *m_storage;
     EditHandler m_onEdit;
     QString m_lastText;
-    std::optional<Action> m_action;
+    std::optional<UserActionType> m_action;
     bool m_loading = false;
     qsizetype m_changeStart = std::numeric_limits<qsizetype>::max();
 };

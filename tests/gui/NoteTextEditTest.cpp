@@ -38,14 +38,14 @@ TEST(NoteTextEdit, ReportsEachUserEditWithWhatItReplaced)
     EXPECT_EQ(edits[0].before, QStringLiteral("aa\nline"));
     EXPECT_EQ(edits[0].replaced, (TextRange{1, 0})); // not at 2, though "aaa" reads the same
     EXPECT_EQ(edits[0].inserted, QStringLiteral("a"));
-    EXPECT_EQ(edits[0].action, NoteTextEdit::Action::Keydown);
+    EXPECT_EQ(edits[0].action, UserActionType::keydown);
 
     editor.storage().setSelectedRange({7, 0});
     QTest::keyClick(&editor, Qt::Key_Backspace);
     ASSERT_EQ(edits.size(), 2u);
     EXPECT_EQ(edits[1].replaced, (TextRange{6, 1}));
     EXPECT_TRUE(edits[1].inserted.isEmpty());
-    EXPECT_EQ(edits[1].action, NoteTextEdit::Action::Delete);
+    EXPECT_EQ(edits[1].action, UserActionType::delete_);
 
     QTest::keyClick(&editor, Qt::Key_Return);
     ASSERT_EQ(edits.size(), 3u);

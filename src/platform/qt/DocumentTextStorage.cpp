@@ -287,6 +287,11 @@ void DocumentTextStorage::setTypingAttributes(const TextAttributes &attributes)
     m_editor->setCurrentCharFormat(charFormat(attributes));
 }
 
+void DocumentTextStorage::applyTypingAttributes()
+{
+    m_editor->setCurrentCharFormat(charFormat(m_typingAttributes));
+}
+
 void DocumentTextStorage::invalidateDisplay(const TextRange &)
 {
     if (m_redrawQueued)

@@ -51,6 +51,9 @@ public:
 
     void invalidateDisplay(const TextRange &range) override;
 
+    // Text the user types next takes the typing attributes, not those of the character
+    // before it: a keyword's colour doesn't run on into the words typed after it.
+    void applyTypingAttributes();
     // Re-derives every visible format from the stored attributes, as after a theme change.
     void refreshFormats();
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "keywords/NoteEditorSession.h"
+#include "platform/NotificationBus.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace scrivlet {
+
+class HintTextView;
+class NoteTextEdit;
+class NoteViewModel;
+class ThemePalette;
+
+// One note on screen: its text view, the hint below the keyword line, and the
+// session that runs the note engine on every edit and saves after a pause.
+class NoteEditorView final : public QWidget {
+    Q_OBJECT
+public:
+    NoteEditorView(const EditorContext &context, std::shared_ptr<NoteViewModel> note,
+                   NoteEditorSession::SaveCallback save, QWidget *parent = nullptr);
+    ~NoteEditorView() override;
+
+    NoteTextEdit &textEdit() const { return *m_edit; }
+    HintTextView &hintView() const { return *m_hint; }
+    NoteEditorSession &session() const { return *m_session; }
+    const std::shared_ptr<NoteViewModel> &noteViewModel() const { return m_note; }
+    // Bumped each time the note's text was replaced from outside, as after a sync.
+    int reloadEpoch() const { return m_reloadEpoch; }
+
+    void setTheme(const ThemePalette &palette);
+    void flushPendingSave();
+
+private:
+    void reloadFromNote();
+
+    std::shared_ptr<NoteViewModel> m_note;
+    NoteTextEdit *m_edit;
+    HintTextView *m_hint;
+    std::unique_ptr<NoteEditorSession> m_session;
+    std::vector<NotificationBus::Subscription> m_subscriptions;
+    int m_reloadEpoch = 0;
+};
+
+} // namespace scrivlet
