@@ -16,9 +16,46 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QMessageBox>
+#include <QSocketNotifier>
 #include <QTimer>
 
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
 using namespace scrivlet;
+
+namespace {
+
+int g_signalPipe[2] = {-1, -1};
+
+// A session that ends (log out, shutdown) sends SIGTERM: quit through the event loop so
+// the open note is saved like on any other quit.
+void quitOnTermination(QCoreApplication &app)
+{
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0)
+        return;
+    auto *notifier = new QSocketNotifier(g_signalPipe[1], QSocketNotifier::Read, &app);
+    QObject::connect(notifier, &QSocketNotifier::activated, &app, [&app, notifier] {
+        notifier->setEnabled(false);
+        char byte = 0;
+        [[maybe_unused]] const auto n = ::read(g_signalPipe[1], &byte, 1);
+        app.quit();
+    });
+    struct sigaction action = {};
+    action.sa_handler = [](int) {
+        const char byte = 1;
+        [[maybe_unused]] const auto n = ::write(g_signalPipe[0], &byte, 1);
+    };
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGHUP, &action, nullptr);
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
@@ -46,8 +83,15 @@ int main(int argc, char **argv)
     const QString dataDir =
         parser.isSet(dataDirOption) ? parser.value(dataDirOption) : CoreDataStack::defaultDataDirectory();
     auto opened = CoreDataStack::open(dataDir);
-    if (!opened)
+    if (!opened) {
+        // Someone who started the app from a menu never sees the terminal: say it in a
+        // window too before stopping.
+        QMessageBox::critical(nullptr, QStringLiteral("Scrivlet"),
+                              QStringLiteral("Scrivlet can't open its notes and has to stop.\n\n%1\n\n"
+                                             "Nothing was changed on disk.")
+                                  .arg(opened.error().message));
         CoreDataStack::failFatally(opened.error());
+    }
     std::unique_ptr<CoreDataStack> stack = std::move(opened).value();
     CoreDataManager store(*stack, settings, clock);
     store.migrateToSparseIndex();
@@ -84,5 +128,6 @@ int main(int argc, char **argv)
         window.flushPendingSave();
         store.save();
     });
+    quitOnTermination(app);
     return QApplication::exec();
 }
