@@ -118,7 +118,7 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
             const qsizetype to = std::min<qsizetype>(fragment.position() + fragment.length(), r.end());
             if (to <= from)
                 continue;
-            const TextAttributes attributes = storedAttributes(fragment.charFormat());
+            const TextAttributes &attributes = attributesOfFormat(fragment.charFormatIndex());
             if (havePending && pending.end() == from && pendingAttributes == attributes) {
                 pending.length = to - pending.location;
             } else {
@@ -132,7 +132,7 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
         // paragraph it opens.
         const qsizetype separator = block.position() + block.length() - 1;
         if (block.next().isValid() && separator >= r.location && separator < r.end()) {
-            const TextAttributes attributes = storedAttributes(block.next().charFormat());
+            const TextAttributes &attributes = attributesOfFormat(block.next().charFormatIndex());
             if (havePending && pending.end() == separator && pendingAttributes == attributes) {
                 pending.length += 1;
             } else {
@@ -144,6 +144,18 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
         }
     }
     flush();
+}
+
+const TextAttributes &DocumentTextStorage::attributesOfFormat(int formatIndex) const
+{
+    // A document never changes a format once it is in its collection, so what a format
+    // index decodes to can be kept: a whole-note pass then reads each distinct format once.
+    auto it = m_attributesByFormat.constFind(formatIndex);
+    if (it == m_attributesByFormat.constEnd()) {
+        const QTextFormat format = m_document->allFormats().value(formatIndex);
+        it = m_attributesByFormat.insert(formatIndex, storedAttributes(format.toCharFormat()));
+    }
+    return *it;
 }
 
 QTextCharFormat DocumentTextStorage::charFormat(const TextAttributes &a) const
@@ -195,6 +207,9 @@ void DocumentTextStorage::applyParagraph(const TextRange &range, const TextAttri
         return;
     const ParagraphSpec &p = *attributes.paragraph;
     QTextBlockFormat block;
+    // A paragraph with no direction of its own has its text scanned for one on every
+    // layout, which on a long note costs more than everything else a keystroke does.
+    block.setLayoutDirection(m_editor->layoutDirection());
     block.setLineHeight(p.lineHeightMultiple * 100.0, QTextBlockFormat::ProportionalHeight);
     block.setTextIndent(p.firstLineHeadIndent - p.headIndent);
     block.setLeftMargin(p.headIndent);

@@ -61,6 +61,7 @@ private:
     template<typename Change>
     void changeRuns(const TextRange &range, Change change);
     QTextCharFormat charFormat(const TextAttributes &attributes) const;
+    const TextAttributes &attributesOfFormat(int formatIndex) const;
     void applyParagraph(const TextRange &range, const TextAttributes &attributes);
     TextRange clamp(const TextRange &range) const;
 
@@ -73,6 +74,7 @@ private:
     bool m_redrawQueued = false;
     mutable QString m_cachedText;
     mutable bool m_cacheValid = false;
+    mutable QHash<int, TextAttributes> m_attributesByFormat;
 };
 
 } // namespace scrivlet
