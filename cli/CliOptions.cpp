@@ -8,12 +8,12 @@ namespace {
 
 std::optional<CliError> checkSetting(const QString &key, const QString &value)
 {
-    const PreferenceSpec *spec = PreferencesCatalogue::find(key);
-    if (!spec)
+    const PreferenceDefinition *definition = PreferencesCatalogue::find(key);
+    if (!definition)
         return CliError{QStringLiteral("unknown settings key \"%1\"").arg(key)};
-    if (!spec->coerce(QVariant(value)))
+    if (!definition->coerce(QVariant(value)))
         return CliError{QStringLiteral("the value \"%1\" does not fit settings key \"%2\", which takes %3")
-                            .arg(value, key, spec->typeName())};
+                            .arg(value, key, definition->typeName())};
     return std::nullopt;
 }
 

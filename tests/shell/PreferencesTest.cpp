@@ -74,12 +74,12 @@ TEST(Preferences, CatalogueKnowsEveryKeyOnceWithItsType)
     QSet<QString> keys;
     int count = 0;
     for (const auto &group : PreferencesCatalogue::groups()) {
-        for (const PreferenceSpec &spec : *group.specs) {
+        for (const PreferenceDefinition &definition : *group.definitions) {
             ++count;
-            EXPECT_FALSE(keys.contains(spec.key)) << qPrintable(spec.key);
-            keys.insert(spec.key);
+            EXPECT_FALSE(keys.contains(definition.key)) << qPrintable(definition.key);
+            keys.insert(definition.key);
             // Every default is a value of its own key's type.
-            EXPECT_TRUE(spec.coerce(spec.defaultValue).has_value()) << qPrintable(spec.key);
+            EXPECT_TRUE(definition.coerce(definition.defaultValue).has_value()) << qPrintable(definition.key);
         }
     }
     EXPECT_EQ(count, int(keys.size()));

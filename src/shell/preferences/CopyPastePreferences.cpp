@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &CopyPastePreferences::table()
+const std::vector<PreferenceDefinition> &CopyPastePreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("skipKeyword"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("skipChecked"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("removeLeadingTabs"), PreferenceType::Bool, QVariant(true)},
@@ -16,7 +16,7 @@ const std::vector<PreferenceSpec> &CopyPastePreferences::table()
         {QStringLiteral("autoCopyOnSelect"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("enableTexReplacements"), PreferenceType::Bool, QVariant(false)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

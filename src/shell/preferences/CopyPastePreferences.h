@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class CopyPastePreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit CopyPastePreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool skipKeyword() const { return boolValue(QStringLiteral("skipKeyword")); }

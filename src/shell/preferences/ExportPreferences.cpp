@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &ExportPreferences::table()
+const std::vector<PreferenceDefinition> &ExportPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("exportQuickIntegration"), PreferenceType::String, QVariant(QStringLiteral("Plain Text"))},
         {QStringLiteral("exportGeneralOmitKeyword"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("exportGeneralUseFirstLineAsTitle"), PreferenceType::Bool, QVariant(true)},
@@ -24,7 +24,7 @@ const std::vector<PreferenceSpec> &ExportPreferences::table()
         {QStringLiteral("exportCustomName"), PreferenceType::String, QVariant(QStringLiteral("Custom Export"))},
         {QStringLiteral("exportCustomURLTemplate"), PreferenceType::String, QVariant(QStringLiteral("myapp://create?title={TITLE}&text={CONTENT}&date={DATE}"))},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class ExportPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit ExportPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     QString exportQuickIntegration() const { return stringValue(QStringLiteral("exportQuickIntegration")); }

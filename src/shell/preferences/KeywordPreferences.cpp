@@ -4,9 +4,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &KeywordPreferences::table()
+const std::vector<PreferenceDefinition> &KeywordPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("sumTriggers"), PreferenceType::String, QVariant(QStringLiteral("sum,add,total"))},
         {QStringLiteral("avgTriggers"), PreferenceType::String, QVariant(QStringLiteral("average,avg"))},
         {QStringLiteral("mathTriggers"), PreferenceType::String, QVariant(QStringLiteral("math,convert,model"))},
@@ -29,7 +29,7 @@ const std::vector<PreferenceSpec> &KeywordPreferences::table()
         {QStringLiteral("disableLinkShortening"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("disableAllKeywords"), PreferenceType::Bool, QVariant(false)},
     };
-    return specs;
+    return definitions;
 }
 
 QString KeywordPreferences::triggersKey(KeywordID id)

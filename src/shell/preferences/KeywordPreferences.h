@@ -11,7 +11,7 @@ class NotificationBus;
 // keyword engine. The only writer of these keys.
 class KeywordPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit KeywordPreferences(SettingsStore &store, NotificationBus *bus = nullptr)
         : PreferencesGroup(store, table()), m_bus(bus)
     {

@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &MathPreferences::table()
+const std::vector<PreferenceDefinition> &MathPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("primaryCurrency"), PreferenceType::String, QVariant(QStringLiteral("USD"))},
         {QStringLiteral("secondaryCurrency"), PreferenceType::String, QVariant(QStringLiteral("CAD"))},
         {QStringLiteral("primaryMeasurementSystem"), PreferenceType::String, QVariant(QStringLiteral("Imperial"))},
@@ -13,7 +13,7 @@ const std::vector<PreferenceSpec> &MathPreferences::table()
         {QStringLiteral("primaryCurrencySymbol"), PreferenceType::String, QVariant(QStringLiteral("$"))},
         {QStringLiteral("manualCurrencyRates"), PreferenceType::String, QVariant(QStringLiteral(""))},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class MathPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit MathPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     QString primaryCurrency() const { return stringValue(QStringLiteral("primaryCurrency")); }

@@ -2,13 +2,13 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &MigrationRecords::table()
+const std::vector<PreferenceDefinition> &MigrationRecords::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("migratedTutorials_2025_11"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("didBootstrap_2025_09_iCloudDefault"), PreferenceType::Bool, QVariant(false)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class MigrationRecords final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit MigrationRecords(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool migratedTutorials_2025_11() const { return boolValue(QStringLiteral("migratedTutorials_2025_11")); }

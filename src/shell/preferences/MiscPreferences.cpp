@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &MiscPreferences::table()
+const std::vector<PreferenceDefinition> &MiscPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("restorePinOnOpen"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("lastPinState"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("fontFamily"), PreferenceType::String, QVariant(QStringLiteral("Menlo"))},
@@ -17,7 +17,7 @@ const std::vector<PreferenceSpec> &MiscPreferences::table()
         {QStringLiteral("forceRTL"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("disableSwipeNavigation"), PreferenceType::Bool, QVariant(false)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

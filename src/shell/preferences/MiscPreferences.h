@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class MiscPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit MiscPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool restorePinOnOpen() const { return boolValue(QStringLiteral("restorePinOnOpen")); }

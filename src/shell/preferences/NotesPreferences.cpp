@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &NotesPreferences::table()
+const std::vector<PreferenceDefinition> &NotesPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("syncWithICloud"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("migratedToCoreData"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("launchWithNewNote"), PreferenceType::Bool, QVariant(false)},
@@ -24,7 +24,7 @@ const std::vector<PreferenceSpec> &NotesPreferences::table()
         {QStringLiteral("thresholdForAutoFocusInSeconds"), PreferenceType::Double, QVariant(120.0)},
         {QStringLiteral("trashRetentionPeriod"), PreferenceType::String, QVariant(QStringLiteral("30 days"))},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class NotesPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit NotesPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool syncWithICloud() const { return boolValue(QStringLiteral("syncWithICloud")); }

@@ -39,13 +39,13 @@ const std::vector<PreferencesCatalogue::Group> &PreferencesCatalogue::groups()
     return all;
 }
 
-const PreferenceSpec *PreferencesCatalogue::find(const QString &key)
+const PreferenceDefinition *PreferencesCatalogue::find(const QString &key)
 {
-    static const QHash<QString, const PreferenceSpec *> byKey = [] {
-        QHash<QString, const PreferenceSpec *> map;
+    static const QHash<QString, const PreferenceDefinition *> byKey = [] {
+        QHash<QString, const PreferenceDefinition *> map;
         for (const Group &group : groups()) {
-            for (const PreferenceSpec &spec : *group.specs)
-                map.insert(spec.key, &spec);
+            for (const PreferenceDefinition &definition : *group.definitions)
+                map.insert(definition.key, &definition);
         }
         return map;
     }();
@@ -55,10 +55,10 @@ const PreferenceSpec *PreferencesCatalogue::find(const QString &key)
 std::optional<PreferencesCatalogue::SetError> PreferencesCatalogue::setFromText(SettingsStore &store,
                                                                                const QString &key, const QString &text)
 {
-    const PreferenceSpec *spec = find(key);
-    if (!spec)
+    const PreferenceDefinition *definition = find(key);
+    if (!definition)
         return SetError::UnknownKey;
-    const auto value = spec->coerce(QVariant(text));
+    const auto value = definition->coerce(QVariant(text));
     if (!value)
         return SetError::WrongType;
     store.setValue(key, *value);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/preferences/PreferenceSpec.h"
+#include "shell/preferences/PreferenceDefinition.h"
 
 #include <vector>
 
@@ -14,11 +14,11 @@ class PreferencesCatalogue {
 public:
     struct Group {
         QString name;
-        const std::vector<PreferenceSpec> *specs;
+        const std::vector<PreferenceDefinition> *definitions;
     };
 
     static const std::vector<Group> &groups();
-    static const PreferenceSpec *find(const QString &key);
+    static const PreferenceDefinition *find(const QString &key);
 
     enum class SetError { UnknownKey, WrongType };
     // Parses `text` as the value of `key` and stores it. On failure nothing is stored.

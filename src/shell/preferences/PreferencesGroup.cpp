@@ -4,21 +4,21 @@
 
 namespace scrivlet {
 
-PreferencesGroup::PreferencesGroup(SettingsStore &store, const std::vector<PreferenceSpec> &specs)
-    : m_store(store), m_specs(specs)
+PreferencesGroup::PreferencesGroup(SettingsStore &store, const std::vector<PreferenceDefinition> &definitions)
+    : m_store(store), m_definitions(definitions)
 {
-    for (const PreferenceSpec &s : m_specs)
+    for (const PreferenceDefinition &s : m_definitions)
         m_byKey.insert(s.key, &s);
 }
 
-const PreferenceSpec *PreferencesGroup::spec(const QString &key) const
+const PreferenceDefinition *PreferencesGroup::definition(const QString &key) const
 {
     return m_byKey.value(key, nullptr);
 }
 
 QVariant PreferencesGroup::value(const QString &key) const
 {
-    const PreferenceSpec *s = spec(key);
+    const PreferenceDefinition *s = definition(key);
     Q_ASSERT_X(s, "PreferencesGroup::value", "key outside this group's table");
     if (!s)
         return {};
@@ -29,7 +29,7 @@ QVariant PreferencesGroup::value(const QString &key) const
 
 bool PreferencesGroup::setValue(const QString &key, const QVariant &value)
 {
-    const PreferenceSpec *s = spec(key);
+    const PreferenceDefinition *s = definition(key);
     if (!s)
         return false;
     const auto v = s->coerce(value);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/preferences/PreferenceSpec.h"
+#include "shell/preferences/PreferenceDefinition.h"
 
 #include <QHash>
 
@@ -14,10 +14,10 @@ class SettingsStore;
 // types and defaults, read and written through the settings store at once.
 class PreferencesGroup {
 public:
-    PreferencesGroup(SettingsStore &store, const std::vector<PreferenceSpec> &specs);
+    PreferencesGroup(SettingsStore &store, const std::vector<PreferenceDefinition> &definitions);
     virtual ~PreferencesGroup() = default;
 
-    const std::vector<PreferenceSpec> &specs() const { return m_specs; }
+    const std::vector<PreferenceDefinition> &definitions() const { return m_definitions; }
     SettingsStore &store() const { return m_store; }
 
     // The value of `key` as its type; the default when missing or ill-typed.
@@ -34,11 +34,11 @@ protected:
     QString stringValue(const QString &key) const { return value(key).toString(); }
 
 private:
-    const PreferenceSpec *spec(const QString &key) const;
+    const PreferenceDefinition *definition(const QString &key) const;
 
     SettingsStore &m_store;
-    const std::vector<PreferenceSpec> &m_specs;
-    QHash<QString, const PreferenceSpec *> m_byKey;
+    const std::vector<PreferenceDefinition> &m_definitions;
+    QHash<QString, const PreferenceDefinition *> m_byKey;
 };
 
 } // namespace scrivlet

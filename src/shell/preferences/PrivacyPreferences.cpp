@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &PrivacyPreferences::table()
+const std::vector<PreferenceDefinition> &PrivacyPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("usedScrivlet"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("featuresUsage"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("personalizationChoices"), PreferenceType::Bool, QVariant(false)},
@@ -14,7 +14,7 @@ const std::vector<PreferenceSpec> &PrivacyPreferences::table()
         {QStringLiteral("queryUrgentAlerts"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("enableUpdater"), PreferenceType::Bool, QVariant(true)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class PrivacyPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit PrivacyPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool usedScrivlet() const { return boolValue(QStringLiteral("usedScrivlet")); }

@@ -2,14 +2,14 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &SyntaxHighlightingPreferences::table()
+const std::vector<PreferenceDefinition> &SyntaxHighlightingPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("defaultLanguage"), PreferenceType::String, QVariant(QStringLiteral("js"))},
         {QStringLiteral("syntaxDarkTheme"), PreferenceType::String, QVariant(QStringLiteral("paraiso-dark"))},
         {QStringLiteral("syntaxLightTheme"), PreferenceType::String, QVariant(QStringLiteral("paraiso-light"))},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

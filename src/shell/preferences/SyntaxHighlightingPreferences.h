@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class SyntaxHighlightingPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit SyntaxHighlightingPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     QString defaultLanguage() const { return stringValue(QStringLiteral("defaultLanguage")); }

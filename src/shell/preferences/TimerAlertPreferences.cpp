@@ -2,13 +2,13 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &TimerAlertPreferences::table()
+const std::vector<PreferenceDefinition> &TimerAlertPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("noPeekStreak"), PreferenceType::Int, QVariant(0)},
         {QStringLiteral("noPeekStreakMax"), PreferenceType::Int, QVariant(0)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class TimerAlertPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit TimerAlertPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     int noPeekStreak() const { return intValue(QStringLiteral("noPeekStreak")); }

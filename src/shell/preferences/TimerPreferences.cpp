@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &TimerPreferences::table()
+const std::vector<PreferenceDefinition> &TimerPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("hasMigrated117TimerSettings"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("pauseTheTimerIfAppClosed"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("timerShowInMenuBar"), PreferenceType::Bool, QVariant(false)},
@@ -16,7 +16,7 @@ const std::vector<PreferenceSpec> &TimerPreferences::table()
         {QStringLiteral("timerPomoPlaySound"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("timerSoundVolume"), PreferenceType::Double, QVariant(0.4)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

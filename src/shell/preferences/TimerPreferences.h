@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class TimerPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit TimerPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool hasMigrated117TimerSettings() const { return boolValue(QStringLiteral("hasMigrated117TimerSettings")); }

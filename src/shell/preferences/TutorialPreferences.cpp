@@ -2,14 +2,14 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &TutorialPreferences::table()
+const std::vector<PreferenceDefinition> &TutorialPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("showFirstTimeSettings"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("showOnboarding"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("suppressDeleteWarning"), PreferenceType::Bool, QVariant(false)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

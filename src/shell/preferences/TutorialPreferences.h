@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class TutorialPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit TutorialPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     bool showFirstTimeSettings() const { return boolValue(QStringLiteral("showFirstTimeSettings")); }

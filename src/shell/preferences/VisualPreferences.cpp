@@ -2,9 +2,9 @@
 
 namespace scrivlet {
 
-const std::vector<PreferenceSpec> &VisualPreferences::table()
+const std::vector<PreferenceDefinition> &VisualPreferences::table()
 {
-    static const std::vector<PreferenceSpec> specs = {
+    static const std::vector<PreferenceDefinition> definitions = {
         {QStringLiteral("fontSize"), PreferenceType::Word, QVariant(QStringLiteral("medium")), {QStringLiteral("extraSmall"), QStringLiteral("small"), QStringLiteral("medium"), QStringLiteral("large"), QStringLiteral("extraLarge")}},
         {QStringLiteral("doubleFontSize"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("selectedTheme"), PreferenceType::String, QVariant(QStringLiteral("Vancouver"))},
@@ -19,7 +19,7 @@ const std::vector<PreferenceSpec> &VisualPreferences::table()
         {QStringLiteral("translucentWindow"), PreferenceType::Bool, QVariant(false)},
         {QStringLiteral("translucentAmount"), PreferenceType::Double, QVariant(0.5)},
     };
-    return specs;
+    return definitions;
 }
 
 } // namespace scrivlet

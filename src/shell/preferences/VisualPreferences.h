@@ -6,7 +6,7 @@ namespace scrivlet {
 
 class VisualPreferences final : public PreferencesGroup {
 public:
-    static const std::vector<PreferenceSpec> &table();
+    static const std::vector<PreferenceDefinition> &table();
     explicit VisualPreferences(SettingsStore &store) : PreferencesGroup(store, table()) {}
 
     QString fontSize() const { return stringValue(QStringLiteral("fontSize")); }

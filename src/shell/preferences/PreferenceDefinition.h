@@ -12,7 +12,7 @@ enum class PreferenceType { Bool, Int, Double, String, Word };
 
 // One key of the settings catalogue: its type and default. `Word` keys hold one of
 // a fixed list of words (the stored form of an enumeration).
-struct PreferenceSpec {
+struct PreferenceDefinition {
     QString key;
     PreferenceType type;
     QVariant defaultValue;

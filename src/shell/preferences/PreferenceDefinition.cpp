@@ -1,4 +1,4 @@
-#include "shell/preferences/PreferenceSpec.h"
+#include "shell/preferences/PreferenceDefinition.h"
 
 #include <cmath>
 
@@ -30,7 +30,7 @@ bool isIntegral(const QVariant &v)
 
 } // namespace
 
-std::optional<QVariant> PreferenceSpec::coerce(const QVariant &stored) const
+std::optional<QVariant> PreferenceDefinition::coerce(const QVariant &stored) const
 {
     if (!stored.isValid())
         return std::nullopt;
@@ -85,7 +85,7 @@ std::optional<QVariant> PreferenceSpec::coerce(const QVariant &stored) const
     return std::nullopt;
 }
 
-QString PreferenceSpec::typeName() const
+QString PreferenceDefinition::typeName() const
 {
     switch (type) {
     case PreferenceType::Bool: return QStringLiteral("bool");
