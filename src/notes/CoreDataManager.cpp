@@ -6,12 +6,14 @@
 #include "notes/NoteConversion.h"
 #include "notes/NotesLogging.h"
 #include "notes/PendingChangeSink.h"
+#include "notes/SlottedNoteDefaults.h"
 #include "notes/Statement.h"
 #include "platform/Clock.h"
 #include "platform/SettingsStore.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QLocale>
 
 #include <algorithm>
 #include <limits>
@@ -1011,6 +1013,392 @@ int CoreDataManager::positionUnplacedNotes(qint64 step, qint64 base)
     if (changed > 0)
         save();
     return changed;
+}
+
+// ---- windows of the stack and search ---------------------------------------------
+
+std::vector<Note> CoreDataManager::fetchNotes(Statement *query, const char *what)
+{
+    if (!query)
+        return {};
+    auto records = selectRecords(*query, true);
+    if (!records) {
+        qCWarning(lcNotes).noquote() << "Error fetching" << what << ":" << query->lastError();
+        return {};
+    }
+    return toNotes(*records);
+}
+
+std::vector<Note> CoreDataManager::fetchBetween(qint64 lower, qint64 upper)
+{
+    Statement *query = statement(kSelectNotes % QStringLiteral("WHERE ") % kLive %
+                                 QStringLiteral(" AND isSlotted = 0 AND dbIndex >= ?1 AND dbIndex < ?2 "
+                                                "ORDER BY dbIndex ASC, objectId ASC"));
+    if (query)
+        query->bind(1, lower).bind(2, upper);
+    return fetchNotes(query, "notes between two places");
+}
+
+std::vector<Note> CoreDataManager::fetchContaining(const QString &foldedText)
+{
+    if (foldedText.isEmpty())
+        return {};
+    qsizetype codePoints = 0;
+    for (const QChar c : foldedText)
+        codePoints += c.isLowSurrogate() ? 0 : 1;
+
+    // The trigram index answers anything of three characters or more; shorter texts
+    // are looked for in every folded copy, which is what the index would say anyway.
+    Statement *query = nullptr;
+    if (codePoints >= 3) {
+        // Driven by the index: the notes table is only visited for the hits.
+        query = statement(QStringLiteral("SELECT ") % kNoteColumns %
+                          QStringLiteral(" FROM noteSearch CROSS JOIN notes ON notes.objectId = noteSearch.rowid "
+                                         "WHERE noteSearch MATCH ?1 AND ") %
+                          kLive % QStringLiteral(" ORDER BY dbIndex ASC, objectId ASC"));
+        // One phrase: the folded text holds only letters, digits and spaces, never a quote.
+        if (query)
+            query->bind(1, QLatin1Char('"') % foldedText % QLatin1Char('"'));
+    } else {
+        query = statement(QStringLiteral("SELECT ") % kNoteColumns %
+                          QStringLiteral(" FROM noteSearch CROSS JOIN notes ON notes.objectId = noteSearch.rowid "
+                                         "WHERE instr(noteSearch.folded, ?1) > 0 AND ") %
+                          kLive % QStringLiteral(" ORDER BY dbIndex ASC, objectId ASC"));
+        if (query)
+            query->bind(1, foldedText);
+    }
+    if (!query)
+        return {};
+    auto records = selectRecords(*query, true);
+    if (!records) {
+        qCWarning(lcNotes).noquote() << "CoreDataManager: Error fetching notes with predicate: " << query->lastError();
+        return {};
+    }
+    return toNotes(*records);
+}
+
+std::optional<qint64> CoreDataManager::countWhere(const QString &where, const QVariantList &values)
+{
+    Statement query = m_db.prepare(QStringLiteral("SELECT count(*) FROM notes WHERE ") % where);
+    for (int i = 0; i < values.size(); ++i)
+        bindVariant(query, i + 1, values.at(i));
+    if (!query.isValid() || query.step() != Statement::Step::Row) {
+        qCWarning(lcNotes).noquote() << "CoreDataManager: Error counting notes:" << query.lastError();
+        return std::nullopt;
+    }
+    return query.columnInt64(0);
+}
+
+int CoreDataManager::countStackRows()
+{
+    return int(countWhere(QStringLiteral("isSlotted = 0"), {}).value_or(0));
+}
+
+// ---- The Void ------------------------------------------------------------------------
+
+bool CoreDataManager::restoreNote(const QUuid &id)
+{
+    const auto record = fetchRecord(id, false);
+    if (!record)
+        return false;
+    // Back on top of the stack: the user restores a note to use it.
+    const qint64 index = nextDbIndex(false);
+    if (!updateColumn(QStringLiteral("UPDATE notes SET softDeleted = ?1 WHERE objectId = ?2"), record->objectId,
+                      false) ||
+        !updateColumn(QStringLiteral("UPDATE notes SET deletedAt = ?1 WHERE objectId = ?2"), record->objectId,
+                      QVariant()) ||
+        !updateColumn(QStringLiteral("UPDATE notes SET dbIndex = ?1 WHERE objectId = ?2"), record->objectId,
+                      qint64(NoteConversion::narrow(index, "dbIndex"))))
+        return false;
+    markUpdated(record->objectId, record->id);
+    return save();
+}
+
+bool CoreDataManager::permanentlyDelete(const QUuid &id)
+{
+    return deleteRow(id);
+}
+
+int CoreDataManager::batchDelete(const QString &where, const QVariantList &values, const char *failureLog)
+{
+    if (!beginWrite()) {
+        qCWarning(lcNotes).noquote() << failureLog << m_db.lastError();
+        return -1;
+    }
+    // Child rows go with their notes by the cascade. The rows aren't tracked as changes:
+    // a batch delete is never sent to the other machines.
+    Statement remove = m_db.prepare(QStringLiteral("DELETE FROM notes WHERE ") % where);
+    for (int i = 0; i < values.size(); ++i)
+        bindVariant(remove, i + 1, values.at(i));
+    if (!remove.isValid() || !remove.exec()) {
+        qCWarning(lcNotes).noquote() << failureLog << remove.lastError();
+        return -1;
+    }
+    const int removed = m_db.changes();
+    if (!save()) {
+        qCWarning(lcNotes).noquote() << failureLog << m_db.lastError();
+        return -1;
+    }
+    return removed;
+}
+
+bool CoreDataManager::emptyTrash()
+{
+    return batchDelete(QStringLiteral("softDeleted = 1"), {}, "CoreDataManager: Failed to empty trash:") >= 0;
+}
+
+int CoreDataManager::autoEmptyTrash(int days)
+{
+    if (days < 1)
+        return 0;
+    const QDateTime cutOff = m_clock.now().toLocalTime().addDays(-days);
+    const QString where = QStringLiteral("softDeleted = 1 AND deletedAt < ?");
+    const auto due = countWhere(where, {cutOff});
+    if (!due || *due == 0)
+        return 0;
+    if (batchDelete(where, {cutOff}, "CoreDataManager: Auto-empty trash failed:") < 0)
+        return 0;
+    return int(*due);
+}
+
+int CoreDataManager::deleteNotesBefore(const QDateTime &date)
+{
+    // Old notes go whether live or in The Void; the slots are never old.
+    const QString where = QStringLiteral("lastModified < ? AND isSlotted = 0");
+    const auto due = countWhere(where, {date});
+    if (!due || *due == 0)
+        return 0;
+    if (batchDelete(where, {date}, "CoreDataManager: Failed to delete old notes:") < 0)
+        return 0;
+    return int(*due);
+}
+
+// ---- repairs at start ------------------------------------------------------------------
+
+int CoreDataManager::removeDuplicateNotes()
+{
+    QStringList duplicated;
+    Statement *groups =
+        statement(QStringLiteral("SELECT id FROM notes WHERE id IS NOT NULL GROUP BY id HAVING count(*) > 1"));
+    if (!groups) {
+        qCWarning(lcNotes) << "removeDuplicateNotes: Failed to fetch notes";
+        return 0;
+    }
+    Statement::Step step;
+    while ((step = groups->step()) == Statement::Step::Row)
+        duplicated.append(groups->columnText(0));
+    if (step == Statement::Step::Error) {
+        qCWarning(lcNotes).noquote() << "removeDuplicateNotes: Failed to fetch notes" << groups->lastError();
+        return 0;
+    }
+    if (duplicated.isEmpty()) {
+        qCDebug(lcNotes) << "removeDuplicateNotes: No duplicates found";
+        return 0;
+    }
+
+    struct Copy {
+        qint64 objectId;
+        bool live;
+        bool hasText;
+        qint64 lastModified;
+    };
+    int deleted = 0;
+    for (const QString &id : std::as_const(duplicated)) {
+        Statement *rows = statement(QStringLiteral("SELECT objectId, softDeleted, content, lastModified FROM notes "
+                                                   "WHERE id = ?1 ORDER BY lastModified DESC"));
+        if (!rows)
+            return deleted;
+        rows->bind(1, id);
+        std::vector<Copy> copies;
+        while (rows->step() == Statement::Step::Row) {
+            copies.push_back(Copy{rows->columnInt64(0), rows->optionalInt64(1).value_or(0) == 0,
+                                  !rows->columnText(2).isEmpty(), sortKey(dateFrom(rows->optionalInt64(3)))});
+        }
+        rows->reset();
+        if (copies.size() < 2)
+            continue;
+        // A live copy beats one in The Void, text beats none, and then the newest wins.
+        std::stable_sort(copies.begin(), copies.end(), [](const Copy &a, const Copy &b) {
+            if (a.live != b.live)
+                return a.live;
+            if (a.hasText != b.hasText)
+                return a.hasText;
+            return a.lastModified > b.lastModified;
+        });
+        qCInfo(lcNotes).noquote() << "removeDuplicateNotes:" << id << "has" << copies.size()
+                                  << "copies, keeping the one with softDeleted=" << !copies.front().live;
+        if (!beginWrite())
+            return deleted;
+        Statement *remove = statement(QStringLiteral("DELETE FROM notes WHERE objectId = ?1"));
+        for (std::size_t i = 1; i < copies.size(); ++i) {
+            if (remove && remove->bind(1, copies[i].objectId).exec())
+                ++deleted;
+            if (remove)
+                remove->reset();
+        }
+    }
+    // Saved directly: the surviving copy carries the id, so there is nothing to send.
+    if (deleted > 0 && !save())
+        qCWarning(lcNotes).noquote() << "removeDuplicateNotes: Failed to save after removing duplicates: "
+                                     << m_db.lastError();
+    return deleted;
+}
+
+void CoreDataManager::foldSlotDuplicates(std::vector<CDNote> &group, const QDateTime &now)
+{
+    // Rows the server knows beat rows it doesn't; then the latest edit, then the
+    // higher place.
+    const bool anyKnown =
+        std::any_of(group.begin(), group.end(), [](const CDNote &row) { return row.ckChangeTag.has_value(); });
+    auto keeper = group.end();
+    for (auto it = group.begin(); it != group.end(); ++it) {
+        if (anyKnown && !it->ckChangeTag)
+            continue;
+        if (keeper == group.end() || sortKey(it->lastModified) > sortKey(keeper->lastModified) ||
+            (sortKey(it->lastModified) == sortKey(keeper->lastModified) && it->dbIndex > keeper->dbIndex))
+            keeper = it;
+    }
+
+    QString text = keeper->content.value_or(QString());
+    bool changed = false;
+    for (auto it = group.begin(); it != group.end(); ++it) {
+        if (it == keeper)
+            continue;
+        // Nothing typed into a slot is thrown away: the other copy's text is appended.
+        const QString other = it->content.value_or(QString());
+        if (!other.isEmpty()) {
+            text = text % QStringLiteral("\n\n---\n(Merged from ") %
+                   (it->id ? uuidText(*it->id) : QStringLiteral("unknown")) % QStringLiteral(" on ") %
+                   QLocale().toString(now.toLocalTime(), QLocale::ShortFormat) % QStringLiteral(")\n") % other;
+            changed = true;
+        }
+        for (const char *table : {"checklistItems", "scrivlinks", "attachments"}) {
+            updateColumn(QStringLiteral("UPDATE ") % QLatin1String(table) % QStringLiteral(" SET note = ?1 WHERE note = ?2"),
+                         it->objectId, keeper->objectId);
+        }
+        // It leaves the slots for the stack; it isn't deleted.
+        updateColumn(QStringLiteral("UPDATE notes SET isSlotted = ?1 WHERE objectId = ?2"), it->objectId, false);
+        updateColumn(QStringLiteral("UPDATE notes SET slotIndex = ?1 WHERE objectId = ?2"), it->objectId, 0);
+        qCInfo(lcNotes).noquote() << "slotted - folded a second note of slot" << it->slotIndex << "into"
+                                  << (keeper->id ? uuidText(*keeper->id) : QStringLiteral("unknown"));
+    }
+    if (changed) {
+        updateColumn(QStringLiteral("UPDATE notes SET content = ?1 WHERE objectId = ?2"), keeper->objectId, text);
+        updateColumn(QStringLiteral("UPDATE notes SET lastModified = ?1 WHERE objectId = ?2"), keeper->objectId, now);
+    }
+}
+
+int CoreDataManager::ensureSlots()
+{
+    const int limit = m_preferences.slotedNotesLimit();
+    if (limit < 1)
+        return 0;
+    const QString slottedSql = kSelectNotes % QStringLiteral("WHERE isSlotted = 1 AND ") % kLive %
+                               QStringLiteral(" ORDER BY dbIndex ASC, objectId ASC");
+    auto fetchSlotted = [&]() -> std::optional<std::vector<CDNote>> {
+        Statement *query = statement(slottedSql);
+        if (!query)
+            return std::nullopt;
+        auto rows = selectRecords(*query, false);
+        if (!rows)
+            qCWarning(lcNotes).noquote() << "slotted - Error fetching slotted notes:" << query->lastError();
+        return rows;
+    };
+
+    const QDateTime now = m_clock.now();
+    auto rows = fetchSlotted();
+    if (!rows)
+        return 0;
+    std::map<qint32, std::vector<CDNote>> bySlot;
+    for (const CDNote &row : *rows) {
+        if (row.slotIndex > 0)
+            bySlot[row.slotIndex].push_back(row);
+    }
+    for (auto &[slot, group] : bySlot) {
+        if (group.size() > 1)
+            foldSlotDuplicates(group, now);
+    }
+
+    rows = fetchSlotted();
+    if (!rows)
+        return 0;
+    std::vector<bool> taken(std::size_t(limit) + 1, false);
+    qint64 highest = 0;
+    for (const CDNote &row : *rows) {
+        highest = std::max<qint64>(highest, row.dbIndex);
+        if (row.slotIndex >= 1 && row.slotIndex <= limit)
+            taken[std::size_t(row.slotIndex)] = true;
+    }
+    std::vector<int> missing;
+    for (int slot = 1; slot <= limit; ++slot) {
+        if (!taken[std::size_t(slot)])
+            missing.push_back(slot);
+    }
+    if (missing.empty()) {
+        save();
+        return 0;
+    }
+
+    int filled = 0;
+    auto next = missing.begin();
+    // A slotted note that lost its slot takes the first free one, and an empty one gets
+    // the slot's first text back.
+    for (const CDNote &row : *rows) {
+        if (next == missing.end())
+            break;
+        if (row.slotIndex != 0)
+            continue;
+        const int slot = *next++;
+        updateColumn(QStringLiteral("UPDATE notes SET slotIndex = ?1 WHERE objectId = ?2"), row.objectId, slot);
+        const QString text = SlottedNoteDefaults::defaultText(slot);
+        if (row.content.value_or(QString()).isEmpty() && !text.isEmpty()) {
+            updateColumn(QStringLiteral("UPDATE notes SET content = ?1 WHERE objectId = ?2"), row.objectId, text);
+            updateColumn(QStringLiteral("UPDATE notes SET lastModified = ?1 WHERE objectId = ?2"), row.objectId, now);
+        }
+        ++filled;
+    }
+    // Slotted notes keep a dense sequence of their own.
+    qint64 index = highest + 1;
+    std::vector<qint64> created;
+    for (; next != missing.end(); ++next) {
+        CDNote record;
+        record.id = QUuid::createUuid();
+        record.created = now;
+        record.lastModified = now;
+        record.isSlotted = true;
+        record.slotIndex = *next;
+        record.content = SlottedNoteDefaults::defaultText(*next);
+        record.dbIndex = NoteConversion::narrow(index++, "dbIndex");
+        record.softDeleted = false;
+        if (const auto objectId = insertRecord(record)) {
+            created.push_back(*objectId);
+            ++filled;
+        }
+    }
+    // Saved directly: the slots are this machine's own until the user writes in them.
+    for (const qint64 objectId : created)
+        m_changes.erase(objectId);
+    if (!save()) {
+        qCWarning(lcNotes).noquote() << "slotted - Failed to save the slots:" << m_db.lastError();
+        return 0;
+    }
+    return filled;
+}
+
+bool CoreDataManager::insertTutorialNote(const QString &content, const QDateTime &created)
+{
+    CDNote record;
+    record.id = QUuid::createUuid();
+    record.created = created;
+    record.lastModified = created;
+    record.content = content;
+    record.dbIndex = NoteConversion::narrow(nextTutorialDbIndex(), "dbIndex");
+    record.isSlotted = false;
+    record.isTutorial = true;
+    record.softDeleted = false;
+    if (!insertRecord(record))
+        return false;
+    return save();
 }
 
 } // namespace scrivlet

@@ -60,6 +60,13 @@ public:
     std::vector<Note> fetchMatching(const NotePredicate &predicate);
     std::vector<Note> fetchTrash();
     int countTrash();
+    // Live stack notes with `lower <= dbIndex < upper`, oldest first.
+    std::vector<Note> fetchBetween(qint64 lower, qint64 upper);
+    // Live notes, slotted included, whose folded text holds `foldedText` (see
+    // `TextFolding`), by `dbIndex`. An empty text is in no note.
+    std::vector<Note> fetchContaining(const QString &foldedText);
+    // Rows of the stack, soft-deleted ones included.
+    int countStackRows();
 
     // Writes; each ends in `save`.
     Note createNote();
@@ -70,6 +77,21 @@ public:
     bool softDelete(const QUuid &id);
     bool deleteIfEmpty(const QUuid &id);
     bool save();
+
+    // The Void. A restored note becomes the newest of the stack. The batch deletes
+    // bypass the save path, so nothing goes to sync; they return how many rows went.
+    bool restoreNote(const QUuid &id);
+    bool permanentlyDelete(const QUuid &id);
+    bool emptyTrash();
+    int autoEmptyTrash(int days);
+    int deleteNotesBefore(const QDateTime &date);
+
+    // Repairs at start. Rows that share an `id` keep one copy; the slots are made whole,
+    // and the number of slots filled is returned.
+    int removeDuplicateNotes();
+    int ensureSlots();
+    // A tutorial note for a fresh stack, dated `created` and placed on top of every row.
+    bool insertTutorialNote(const QString &content, const QDateTime &created);
     bool hasChanges() const { return !m_changes.empty(); }
 
     // The sparse index.
@@ -109,6 +131,10 @@ private:
     bool writeRecord(const CDNote &record);
     bool insertChildren(const CDNote &record);
     bool updateColumn(const QString &sql, qint64 objectId, const QVariant &value);
+    std::vector<Note> fetchNotes(Statement *query, const char *what);
+    std::optional<qint64> countWhere(const QString &where, const QVariantList &values);
+    int batchDelete(const QString &where, const QVariantList &values, const char *failureLog);
+    void foldSlotDuplicates(std::vector<CDNote> &group, const QDateTime &now);
 
     Database &m_db;
     SettingsStore &m_settings;

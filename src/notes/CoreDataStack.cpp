@@ -1,6 +1,7 @@
 #include "notes/CoreDataStack.h"
 
 #include "notes/NotesLogging.h"
+#include "notes/TextFolding.h"
 #include "notes/Transaction.h"
 
 #include <QDir>
@@ -86,7 +87,38 @@ CREATE TABLE attachments (
 );
 CREATE INDEX attachments_note ON attachments(note);
 )sql",
+    // Search looks for a folded query in a folded copy of each note's text. The copy
+    // lives in a trigram index, so a keystroke in the search bar finds its notes without
+    // reading every note; the triggers keep it in step with every write of `content`,
+    // whoever makes it. The index compares code points as folded, so it agrees exactly
+    // with a plain scan of the folded texts.
+    R"sql(
+CREATE VIRTUAL TABLE noteSearch USING fts5(folded, tokenize = 'trigram case_sensitive 1');
+INSERT INTO noteSearch(rowid, folded) SELECT objectId, scrivlet_fold(content) FROM notes;
+CREATE TRIGGER notes_search_insert AFTER INSERT ON notes BEGIN
+    INSERT INTO noteSearch(rowid, folded) VALUES (NEW.objectId, scrivlet_fold(NEW.content));
+END;
+CREATE TRIGGER notes_search_update AFTER UPDATE OF content ON notes WHEN NEW.content IS NOT OLD.content BEGIN
+    UPDATE noteSearch SET folded = scrivlet_fold(NEW.content) WHERE rowid = NEW.objectId;
+END;
+CREATE TRIGGER notes_search_delete AFTER DELETE ON notes BEGIN
+    DELETE FROM noteSearch WHERE rowid = OLD.objectId;
+END;
+)sql",
 };
+
+// The fold of search, for the triggers that keep the folded copy of each note.
+void foldFunction(sqlite3_context *context, int, sqlite3_value **arguments)
+{
+    if (sqlite3_value_type(arguments[0]) == SQLITE_NULL) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const auto *text = static_cast<const QChar *>(sqlite3_value_text16(arguments[0]));
+    const int bytes = sqlite3_value_bytes16(arguments[0]);
+    const QString folded = TextFolding::fold(QStringView(text, bytes / 2));
+    sqlite3_result_text16(context, folded.utf16(), int(folded.size() * 2), SQLITE_TRANSIENT);
+}
 
 StoreError storeError(StoreError::Kind kind, const QString &path, const QString &reason)
 {
@@ -127,6 +159,13 @@ Result<std::unique_ptr<CoreDataStack>, StoreError> CoreDataStack::open(const QSt
     if (sqlite3_db_readonly(db.handle(), "main") == 1)
         return OpenResult::failure(storeError(Kind::cannotOpen, path, QStringLiteral("The store file is read-only")));
     sqlite3_busy_timeout(db.handle(), 5000);
+    // Registered before anything reads the schema: the search triggers call it.
+    if (sqlite3_create_function_v2(db.handle(), "scrivlet_fold", 1,
+                                   SQLITE_UTF16 | SQLITE_DETERMINISTIC | SQLITE_INNOCUOUS, nullptr, foldFunction,
+                                   nullptr, nullptr, nullptr) != SQLITE_OK)
+        return OpenResult::failure(storeError(Kind::configureFailed, path,
+                                              QStringLiteral("Can't prepare search: ") %
+                                                  QString::fromUtf8(sqlite3_errmsg(db.handle()))));
 
     // Note text is UTF-16 in memory; a store kept in UTF-16 holds it unconverted, so
     // unpaired surrogates typed or pasted into a note come back as they went in. It
