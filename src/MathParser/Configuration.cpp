@@ -1,0 +1,11 @@
+#include "MathParser/Configuration.h"
+
+namespace scrivlet::math {
+
+const Configuration &Configuration::shared()
+{
+    static const Configuration configuration;
+    return configuration;
+}
+
+} // namespace scrivlet::math

@@ -1,0 +1,61 @@
+#include "MathParser/EvaluationState.h"
+
+#include <limits>
+
+namespace scrivlet::math {
+
+Expression EvaluationState::expression() const
+{
+    return m_run.root.atNode(m_nodeIndex);
+}
+
+CharacterRange EvaluationState::expressionRange() const
+{
+    return m_node.range;
+}
+
+Expression EvaluationState::argument(qsizetype index) const
+{
+    return expression().argument(index);
+}
+
+std::vector<Expression> EvaluationState::arguments() const
+{
+    return expression().arguments();
+}
+
+double EvaluationState::evaluateArgument(qsizetype index)
+{
+    Q_ASSERT(index >= 0 && index < m_node.argumentCount);
+    return m_evaluator.evaluateNode(m_run, m_run.root.tree().argumentIndex(m_node, index));
+}
+
+double EvaluationState::evaluate(const Expression &expression)
+{
+    Q_ASSERT(&expression.tree() == &m_run.root.tree());
+    return m_evaluator.evaluateNode(m_run, expression.index());
+}
+
+bool EvaluationState::requireArgumentCount(qsizetype minimum, qsizetype maximum)
+{
+    const qsizetype count = m_node.argumentCount;
+    if (count < minimum || (maximum >= 0 && count > maximum)) {
+        fail(MathParserError::Kind::invalidArguments);
+        return false;
+    }
+    return true;
+}
+
+double EvaluationState::fail(MathParserError::Kind kind)
+{
+    return fail(MathParserError(kind, m_node.range));
+}
+
+double EvaluationState::fail(MathParserError error)
+{
+    if (!m_run.error)
+        m_run.error = std::move(error);
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+} // namespace scrivlet::math
