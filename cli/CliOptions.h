@@ -15,6 +15,9 @@ struct CliOptions {
     QString verb;
     std::vector<std::pair<QString, QString>> settings; // --set KEY=VALUE, in order
     bool help = false;
+    QString locale;     // --locale NAME: the number format; empty for the system's
+    bool raw = false;   // eval --raw: the expression goes to the parser as typed
+    QString expression; // eval's EXPR
 };
 
 struct CliError {
@@ -22,7 +25,8 @@ struct CliError {
 };
 
 // Parses the arguments after the program name. Settings are checked against the
-// catalogue here, so a bad key or value is refused before any work is done.
+// catalogue here, and locale names against the locales Qt knows, so a bad key, value or
+// locale is refused before any work is done.
 std::variant<CliOptions, CliError> parseCommandLine(const QStringList &arguments);
 
 QString usageText();

@@ -1,6 +1,9 @@
 // scrivlet-cli: Scrivlet's note engine without a window.
 
 #include "CliOptions.h"
+#include "EvalCommand.h"
+
+#include "calculation/NumberLocale.h"
 
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "keywords/NoteEditorSession.h"
@@ -92,5 +95,9 @@ int main(int argc, char **argv)
         std::fputs(qPrintable(cli::usageText()), stdout);
         return 0;
     }
+    if (!options.locale.isEmpty())
+        NumberLocale::setCurrent(*NumberLocale::fromName(options.locale));
+    if (options.verb == u"eval")
+        return cli::EvalCommand::run(options, stdout, stderr);
     return process(options);
 }
