@@ -295,14 +295,7 @@ std::vector<Note> CoreDataManager::fetchAll(bool includeSlotted)
     Statement *query = statement(kSelectNotes % QStringLiteral("WHERE ") % kLive %
                                  (includeSlotted ? QString() : QStringLiteral(" AND isSlotted = 0")) %
                                  QStringLiteral(" ORDER BY dbIndex ASC, objectId ASC"));
-    if (!query)
-        return {};
-    auto records = selectRecords(*query, true);
-    if (!records) {
-        qCWarning(lcNotes).noquote() << "Error fetching all notes:" << query->lastError();
-        return {};
-    }
-    return toNotes(*records);
+    return fetchNotes(query, QStringLiteral("Error fetching all notes: "));
 }
 
 std::vector<Note> CoreDataManager::fetchAfter(const Note &note, int limit)
@@ -310,16 +303,9 @@ std::vector<Note> CoreDataManager::fetchAfter(const Note &note, int limit)
     Statement *query = statement(kSelectNotes % QStringLiteral("WHERE ") % kLive %
                                  QStringLiteral(" AND dbIndex > ?1 AND isSlotted = 0 "
                                                 "ORDER BY dbIndex ASC, objectId ASC LIMIT ?2"));
-    if (!query)
-        return {};
-    query->bind(1, note.dbIndex).bind(2, limit);
-    auto records = selectRecords(*query, true);
-    if (!records) {
-        qCWarning(lcNotes).noquote() << "Error fetching notes after dbIndex" << note.dbIndex << ":"
-                                     << query->lastError();
-        return {};
-    }
-    return toNotes(*records);
+    if (query)
+        query->bind(1, note.dbIndex).bind(2, limit);
+    return fetchNotes(query, QStringLiteral("Error fetching notes after dbIndex %1: ").arg(note.dbIndex));
 }
 
 std::vector<Note> CoreDataManager::fetchBefore(const Note &note, int limit)
@@ -327,34 +313,19 @@ std::vector<Note> CoreDataManager::fetchBefore(const Note &note, int limit)
     Statement *query = statement(kSelectNotes % QStringLiteral("WHERE ") % kLive %
                                  QStringLiteral(" AND dbIndex < ?1 AND isSlotted = 0 "
                                                 "ORDER BY dbIndex DESC, objectId DESC LIMIT ?2"));
-    if (!query)
-        return {};
-    query->bind(1, note.dbIndex).bind(2, limit);
-    auto records = selectRecords(*query, true);
-    if (!records) {
-        qCWarning(lcNotes).noquote() << "Error fetching notes before dbIndex" << note.dbIndex << ":"
-                                     << query->lastError();
-        return {};
-    }
+    if (query)
+        query->bind(1, note.dbIndex).bind(2, limit);
     // The nearest notes are fetched, and handed out oldest first.
-    std::reverse(records->begin(), records->end());
-    return toNotes(*records);
+    return fetchNotes(query, QStringLiteral("Error fetching notes before dbIndex %1: ").arg(note.dbIndex), true);
 }
 
 std::vector<Note> CoreDataManager::fetchLatest(int limit, bool slotted)
 {
     Statement *query = statement(kSelectNotes % QStringLiteral("WHERE ") % kLive %
                                  QStringLiteral(" AND isSlotted = ?1 ORDER BY dbIndex DESC, objectId DESC LIMIT ?2"));
-    if (!query)
-        return {};
-    query->bind(1, slotted).bind(2, slotted ? m_preferences.slotedNotesLimit() : limit);
-    auto records = selectRecords(*query, true);
-    if (!records) {
-        qCWarning(lcNotes).noquote() << "Error fetching latest " << query->lastError();
-        return {};
-    }
-    std::reverse(records->begin(), records->end());
-    return toNotes(*records);
+    if (query)
+        query->bind(1, slotted).bind(2, slotted ? m_preferences.slotedNotesLimit() : limit);
+    return fetchNotes(query, QStringLiteral("Error fetching latest "), true);
 }
 
 std::vector<Note> CoreDataManager::fetchMatching(const NotePredicate &predicate)
@@ -380,14 +351,7 @@ std::vector<Note> CoreDataManager::fetchTrash()
 {
     Statement *query =
         statement(kSelectNotes % QStringLiteral("WHERE softDeleted = 1 ORDER BY deletedAt DESC, objectId DESC"));
-    if (!query)
-        return {};
-    auto records = selectRecords(*query, true);
-    if (!records) {
-        qCWarning(lcNotes).noquote() << "CoreDataManager: Error fetching The Void:" << query->lastError();
-        return {};
-    }
-    return toNotes(*records);
+    return fetchNotes(query, QStringLiteral("CoreDataManager: Error fetching The Void: "));
 }
 
 int CoreDataManager::countTrash()
@@ -1017,15 +981,17 @@ int CoreDataManager::positionUnplacedNotes(qint64 step, qint64 base)
 
 // ---- windows of the stack and search ---------------------------------------------
 
-std::vector<Note> CoreDataManager::fetchNotes(Statement *query, const char *what)
+std::vector<Note> CoreDataManager::fetchNotes(Statement *query, const QString &failure, bool reversed)
 {
     if (!query)
         return {};
     auto records = selectRecords(*query, true);
     if (!records) {
-        qCWarning(lcNotes).noquote() << "Error fetching" << what << ":" << query->lastError();
+        qCWarning(lcNotes).noquote() << failure << query->lastError();
         return {};
     }
+    if (reversed)
+        std::reverse(records->begin(), records->end());
     return toNotes(*records);
 }
 
@@ -1036,7 +1002,7 @@ std::vector<Note> CoreDataManager::fetchBetween(qint64 lower, qint64 upper)
                                                 "ORDER BY dbIndex ASC, objectId ASC"));
     if (query)
         query->bind(1, lower).bind(2, upper);
-    return fetchNotes(query, "notes between two places");
+    return fetchNotes(query, QStringLiteral("Error fetching notes between two places: "));
 }
 
 std::vector<Note> CoreDataManager::fetchContaining(const QString &foldedText)
@@ -1067,14 +1033,7 @@ std::vector<Note> CoreDataManager::fetchContaining(const QString &foldedText)
         if (query)
             query->bind(1, foldedText);
     }
-    if (!query)
-        return {};
-    auto records = selectRecords(*query, true);
-    if (!records) {
-        qCWarning(lcNotes).noquote() << "CoreDataManager: Error fetching notes with predicate: " << query->lastError();
-        return {};
-    }
-    return toNotes(*records);
+    return fetchNotes(query, QStringLiteral("CoreDataManager: Error fetching notes with predicate: "));
 }
 
 std::optional<qint64> CoreDataManager::countWhere(const QString &where, const QVariantList &values)

@@ -131,7 +131,7 @@ private:
     bool writeRecord(const CDNote &record);
     bool insertChildren(const CDNote &record);
     bool updateColumn(const QString &sql, qint64 objectId, const QVariant &value);
-    std::vector<Note> fetchNotes(Statement *query, const char *what);
+    std::vector<Note> fetchNotes(Statement *query, const QString &failure, bool reversed = false);
     std::optional<qint64> countWhere(const QString &where, const QVariantList &values);
     int batchDelete(const QString &where, const QVariantList &values, const char *failureLog);
     void foldSlotDuplicates(std::vector<CDNote> &group, const QDateTime &now);
