@@ -79,6 +79,24 @@ std::optional<QStringList> skippedUrlsFrom(const std::optional<QString> &text)
     return urls;
 }
 
+// The note's own columns, as ?1 to ?13 in the order of the insert and update statements.
+Statement &bindNoteColumns(Statement &statement, const CDNote &record)
+{
+    return statement.bind(1, record.ckChangeTag)
+        .bind(2, record.ckSystemFields)
+        .bind(3, record.content)
+        .bind(4, msecs(record.created))
+        .bind(5, qint64(record.dbIndex))
+        .bind(6, msecs(record.deletedAt))
+        .bind(7, optionalUuidText(record.id))
+        .bind(8, record.isSlotted)
+        .bind(9, record.isTutorial)
+        .bind(10, msecs(record.lastModified))
+        .bind(11, skippedUrlsText(record.skippedURLs))
+        .bind(12, qint64(record.slotIndex))
+        .bind(13, record.softDeleted);
+}
+
 void bindVariant(Statement &statement, int index, const QVariant &value)
 {
     if (!value.isValid() || value.isNull()) {
@@ -530,19 +548,7 @@ std::optional<qint64> CoreDataManager::insertRecord(const CDNote &record)
         "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12, ?13)"));
     if (!insert)
         return std::nullopt;
-    insert->bind(1, record.ckChangeTag)
-        .bind(2, record.ckSystemFields)
-        .bind(3, record.content)
-        .bind(4, msecs(record.created))
-        .bind(5, qint64(record.dbIndex))
-        .bind(6, msecs(record.deletedAt))
-        .bind(7, optionalUuidText(record.id))
-        .bind(8, record.isSlotted)
-        .bind(9, record.isTutorial)
-        .bind(10, msecs(record.lastModified))
-        .bind(11, skippedUrlsText(record.skippedURLs))
-        .bind(12, qint64(record.slotIndex))
-        .bind(13, record.softDeleted);
+    bindNoteColumns(*insert, record);
     if (!insert->exec()) {
         qCWarning(lcNotes).noquote() << "Error inserting a note:" << insert->lastError();
         return std::nullopt;
@@ -638,20 +644,7 @@ bool CoreDataManager::writeRecord(const CDNote &record)
         "slotIndex = ?12, softDeleted = ?13 WHERE objectId = ?14"));
     if (!update)
         return undo();
-    update->bind(1, record.ckChangeTag)
-        .bind(2, record.ckSystemFields)
-        .bind(3, record.content)
-        .bind(4, msecs(record.created))
-        .bind(5, qint64(record.dbIndex))
-        .bind(6, msecs(record.deletedAt))
-        .bind(7, optionalUuidText(record.id))
-        .bind(8, record.isSlotted)
-        .bind(9, record.isTutorial)
-        .bind(10, msecs(record.lastModified))
-        .bind(11, skippedUrlsText(record.skippedURLs))
-        .bind(12, qint64(record.slotIndex))
-        .bind(13, record.softDeleted)
-        .bind(14, record.objectId);
+    bindNoteColumns(*update, record).bind(14, record.objectId);
     if (!update->exec()) {
         qCWarning(lcNotes).noquote() << "Error writing note:" << update->lastError();
         return undo();
