@@ -6,6 +6,7 @@
 #include "MathParser/ExpressionTree.h"
 #include "MathParser/MathParserError.h"
 
+#include <optional>
 #include <vector>
 
 namespace scrivlet::math {
@@ -17,17 +18,24 @@ class EvaluationState {
 public:
     // Inline: the evaluator makes one for every function node.
     EvaluationState(const Evaluator &evaluator, Evaluator::Run &run, qint32 nodeIndex)
-        : m_evaluator(evaluator), m_run(run), m_node(run.root.tree().node(nodeIndex)), m_nodeIndex(nodeIndex)
+        : m_evaluator(evaluator), m_run(&run), m_node(&run.root.tree().node(nodeIndex)), m_nodeIndex(nodeIndex),
+          m_error(run.error)
+    {
+    }
+    // For a built-in of one or two arguments called with their values, as a line is computed
+    // while it is read: there is no expression, only evaluator(), fail() and failed() apply.
+    EvaluationState(const Evaluator &evaluator, std::optional<MathParserError> &error)
+        : m_evaluator(evaluator), m_run(nullptr), m_node(nullptr), m_nodeIndex(-1), m_error(error)
     {
     }
 
     const Evaluator &evaluator() const { return m_evaluator; }
-    const Substitutions &substitutions() const { return m_run.substitutions; }
+    const Substitutions &substitutions() const;
     // The function expression being evaluated.
     Expression expression() const;
     CharacterRange expressionRange() const;
 
-    qsizetype argumentCount() const { return m_node.argumentCount; }
+    qsizetype argumentCount() const;
     Expression argument(qsizetype index) const;
     std::vector<Expression> arguments() const;
     double evaluateArgument(qsizetype index);
@@ -40,13 +48,14 @@ public:
     // Records the error (the first one wins) and returns NaN for the caller to return.
     double fail(MathParserError::Kind kind);
     double fail(MathParserError error);
-    bool failed() const { return m_run.error.has_value(); }
+    bool failed() const { return m_error.has_value(); }
 
 private:
     const Evaluator &m_evaluator;
-    Evaluator::Run &m_run;
-    const ExpressionTree::Node &m_node;
+    Evaluator::Run *m_run;
+    const ExpressionTree::Node *m_node;
     qint32 m_nodeIndex;
+    std::optional<MathParserError> &m_error;
 };
 
 } // namespace scrivlet::math

@@ -52,6 +52,10 @@ MathResult<double> Evaluator::evaluate(const Expression &expression, const Subst
 MathResult<double> Evaluator::evaluate(const QString &text, const Substitutions &substitutions) const
 {
     const Configuration &configuration = Configuration::shared();
+    // Nearly every line is computed while it is read; one with variables, functions of
+    // many arguments or a failure gets its tree, whose walk tells what it means.
+    if (const std::optional<double> value = LineParser::evaluate(text, configuration, *this))
+        return *value;
     std::shared_ptr<ExpressionTree> tree = reusableTree();
     if (const std::optional<qint32> root = LineParser::parse(text, configuration, *tree))
         return evaluate(Expression(std::move(tree), *root), substitutions);

@@ -52,6 +52,15 @@ public:
     // Parses with the shared configuration first.
     MathResult<double> evaluate(const QString &text, const Substitutions &substitutions = {}) const;
 
+    // Engine internals, for a line computed while it is read: the function set whose
+    // built-ins of one or two arguments this evaluator calls with their arguments' values,
+    // found by their number in BuiltInFunctionTable. Null when it finds functions otherwise:
+    // an overrider asks first, a case-sensitive set tells apart names the number does not.
+    const FunctionSet *functionsCalledByNumber() const
+    {
+        return m_functionOverrider || m_functionSet.caseSensitive() ? nullptr : &m_functionSet;
+    }
+
 private:
     friend class EvaluationState;
 

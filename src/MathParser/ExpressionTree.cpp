@@ -28,7 +28,7 @@ void ExpressionTree::clear()
     constexpr std::size_t kOperatorsKept = 64;
     if (m_operators.size() > kOperatorsKept) {
         m_operators.clear();
-        m_lastOperator = 0;
+        m_recentOperators.fill(-1);
     }
 }
 
@@ -40,11 +40,6 @@ const QString &ExpressionTree::noName()
 
 namespace {
 
-bool sameText(const QString &a, const QString &b)
-{
-    return a.constData() == b.constData() && a.size() == b.size();
-}
-
 const QString &printedToken(const Operator &op)
 {
     return op.tokens().isEmpty() ? op.function() : op.tokens().front();
@@ -52,37 +47,20 @@ const QString &printedToken(const Operator &op)
 
 } // namespace
 
-qint32 ExpressionTree::operatorEntry(const Operator &op)
+qint32 ExpressionTree::findOperatorEntry(const Operator &op)
 {
-    const auto matches = [&op](const OperatorEntry &entry) {
-        return entry.op == &op && sameText(entry.name, op.function()) && sameText(entry.operatorToken, printedToken(op));
-    };
-    // Operators come in runs ("1 + 2 + 3"), and a line uses a handful of distinct ones,
-    // so a short search beats a hash.
-    if (m_lastOperator < m_operators.size() && matches(m_operators[m_lastOperator]))
-        return qint32(m_lastOperator);
+    // A tree meets a handful of distinct operators, so a short search beats a hash.
     for (std::size_t i = 0; i < m_operators.size(); ++i) {
-        if (matches(m_operators[i])) {
-            m_lastOperator = i;
+        if (isEntryOf(m_operators[i], op))
             return qint32(i);
-        }
     }
-    m_lastOperator = std::size_t(addOperatorEntry(&op, op.function(), printedToken(op)));
-    return qint32(m_lastOperator);
+    return addOperatorEntry(&op, op.function(), printedToken(op));
 }
 
 qint32 ExpressionTree::addOperatorEntry(const Operator *op, const QString &name, const QString &operatorToken)
 {
     m_operators.push_back({op, name, operatorToken});
     return qint32(m_operators.size() - 1);
-}
-
-qint32 ExpressionTree::addNumber(double value, CharacterRange range)
-{
-    Node &node = m_nodes.emplace_back();
-    node.number = value;
-    node.range = range;
-    return qint32(m_nodes.size() - 1);
 }
 
 qint32 ExpressionTree::addVariable(QString name, CharacterRange range)

@@ -1,32 +1,19 @@
 #include "MathParser/LineParser.h"
 
 #include "MathParser/BuiltInFunctionTable.h"
-#include "MathParser/CaseFolding.h"
 #include "MathParser/Configuration.h"
-#include "MathParser/ExponentExtractor.h"
+#include "MathParser/EvaluationState.h"
+#include "MathParser/Evaluator.h"
 #include "MathParser/ExpressionTree.h"
-#include "MathParser/FractionNumberExtractor.h"
-#include "MathParser/MathParserError.h"
-#include "MathParser/NumberParsing.h"
+#include "MathParser/LineScanner.h"
 #include "MathParser/OperatorSet.h"
 #include "MathParser/ParserLimits.h"
-#include "MathParser/TokenCharacterBuffer.h"
 
-#include <span>
+#include <limits>
 
 namespace scrivlet::math {
 
 namespace {
-
-bool isDigit(char16_t c)
-{
-    return c >= u'0' && c <= u'9';
-}
-
-bool isHexDigit(char16_t c)
-{
-    return isDigit(c) || (c >= u'a' && c <= u'f') || (c >= u'A' && c <= u'F');
-}
 
 // A line this long is pasted, not typed; its buffers are not worth keeping for the next.
 constexpr std::size_t kLargestKeptBuffer = 4096;
@@ -37,397 +24,506 @@ template <typename T> void releaseIfLarge(std::vector<T> &buffer)
         std::vector<T>().swap(buffer);
 }
 
+bool isBuiltIn(const Operator &op, BuiltInOperator which)
+{
+    const std::optional<BuiltInOperator> builtIn = op.builtInOperator();
+    return builtIn && *builtIn == which;
+}
+
 } // namespace
 
+std::optional<LineParser::Operand> LineParser::runOnThisThread(QStringView text, const Configuration &configuration,
+                                                               ExpressionTree *tree, const Evaluator *evaluator)
+{
+    // One parser per thread, reused. A built-in that a caller gave the evaluator could
+    // compute a line of its own while this one is read; that line gets a parser of its own.
+    thread_local LineParser shared;
+    if (shared.m_busy) {
+        LineParser own;
+        return own.run(text, configuration, tree, evaluator);
+    }
+    shared.m_busy = true;
+    struct Release {
+        bool &busy;
+        ~Release() { busy = false; }
+    } release{shared.m_busy};
+    return shared.run(text, configuration, tree, evaluator);
+}
+
 std::optional<qint32> LineParser::parse(QStringView text, const Configuration &configuration, ExpressionTree &tree)
+{
+    // No token makes more than one node, and every token but an inserted product spans a
+    // character; a pasted monster line grows the tree as it goes instead.
+    tree.reserve(tree.nodeCount() + qMin(text.size() + 1, qsizetype(kLargestKeptBuffer)));
+    const std::optional<Operand> root = runOnThisThread(text, configuration, &tree, nullptr);
+    return root ? std::optional<qint32>(root->node) : std::nullopt;
+}
+
+std::optional<double> LineParser::evaluate(QStringView text, const Configuration &configuration,
+                                           const Evaluator &evaluator)
+{
+    const std::optional<Operand> result = runOnThisThread(text, configuration, nullptr, &evaluator);
+    return result ? std::optional<double>(result->value) : std::nullopt;
+}
+
+std::optional<LineParser::Operand> LineParser::run(QStringView text, const Configuration &configuration,
+                                                   ExpressionTree *tree, const Evaluator *evaluator)
 {
     // A locale's number format is read by trying ever shorter prefixes with QLocale; math
     // lines never use one, so it stays with the staged parser.
     if (configuration.locale)
         return std::nullopt;
-    // One parser per thread, reused: parsing never calls out to code that could parse.
-    thread_local LineParser parser;
-    return parser.run(text, configuration, tree);
-}
-
-std::optional<qint32> LineParser::run(QStringView text, const Configuration &configuration, ExpressionTree &tree)
-{
+    m_tree = tree;
+    m_evaluator = evaluator;
     m_text = text;
     m_operatorSet = configuration.operatorSet.get();
-    m_tree = &tree;
     m_argumentlessFunctions = configuration.allowArgumentlessFunctions;
     m_implicitMultiplication = configuration.allowImplicitMultiplication;
     m_implicitMultiply = configuration.useHighPrecedenceImplicitMultiplication
                              ? &m_operatorSet->implicitMultiplyOperator()
                              : &m_operatorSet->multiplyOperator();
-    m_open = m_operatorSet->openParenthesis();
-    m_close = m_operatorSet->closeParenthesis();
-    // A set without parentheses cannot write "pi()"; the staged parser decides what that means.
-    if (!m_open || !m_close)
+    // A set without parentheses cannot write "pi()", and in a set whose operators of one
+    // strength associate both ways, which way wins depends on the whole line: the staged
+    // parser decides what those mean.
+    if (!m_operatorSet->openParenthesis() || !m_operatorSet->closeParenthesis() ||
+        !m_operatorSet->hasUniformAssociativity()) {
         return std::nullopt;
-    m_position = 0;
-    m_tokens.clear();
-    m_elements.clear();
+    }
+    m_expectingOperand = true;
+    m_behindPostfix = false;
+    m_callJustOpened = false;
+    m_namePending = false;
+    m_innermost = -1;
+    m_depth = 0;
+    m_operands.clear();
+    m_waiting.clear();
+    m_postfix.clear();
     m_arguments.clear();
 
-    std::optional<qint32> root;
-    try {
-        if (tokenize()) {
-            // Every token makes at most one node, and every node but the root is one argument.
-            // A pasted monster line grows the tree as it goes instead.
-            tree.reserve(tree.nodeCount() + qsizetype(qMin(m_tokens.size(), kLargestKeptBuffer)));
-            const qint32 node = buildSequence(Context::topLevel, 0);
-            if (node >= 0)
-                root = node;
-        }
-    } catch (const MathParserError &) {
-        // A missing operand or a tree grown too tall: the staged parser reports it.
+    // A line is computed with one state for all its built-ins: the first failure ends it.
+    std::optional<MathParserError> error;
+    std::optional<EvaluationState> state;
+    if (m_evaluator) {
+        m_functions = m_evaluator->functionsCalledByNumber();
+        if (!m_functions)
+            return std::nullopt;
+        m_state = &state.emplace(*m_evaluator, error);
     }
+    LineScanner scanner(text, m_operatorSet->operatorTokenSet());
+    std::optional<Operand> result;
+    if (read(scanner))
+        result = m_operands.back();
+    m_state = nullptr;
     releaseLargeBuffers();
-    return root;
+    return result;
 }
 
-bool LineParser::tokenize()
+bool LineParser::read(LineScanner &scanner)
 {
-    const OperatorTokenSet &operatorTokens = m_operatorSet->operatorTokenSet();
-    const char16_t *characters = m_text.utf16();
-    const qsizetype size = m_text.size();
-    const auto at = [&](qsizetype index) -> char16_t { return index < size ? characters[index] : u'\0'; };
-    const auto isNameCharacter = [&](char16_t c) {
-        return !TokenCharacterBuffer::isWhitespace(QChar(c)) && !operatorTokens.containsCharacter(QChar(c));
-    };
-
-    // A name is followed by its "(" or gets "()" inserted; which one is known only once the
-    // token after it has been read.
-    bool callPending = false;
-    qsizetype callEnd = 0;
-    const auto settleCall = [&](bool opensParenthesis) {
-        if (callPending && !opensParenthesis)
-            appendEmptyCall(callEnd);
-        callPending = false;
-    };
-    const auto appendNumber = [&](double value, qsizetype start, qsizetype end) {
-        settleCall(false);
-        append({Token::Kind::number, Token::Role::none, nullptr, value, {start, end}});
-    };
-
-    // The extractors' order: numbers, fractions, superscripts, variables, quoted names,
-    // operators, names.
-    for (qsizetype i = 0;;) {
-        while (i < size && TokenCharacterBuffer::isWhitespace(QChar(characters[i])))
-            ++i;
-        if (i >= size)
-            break;
-        const qsizetype start = i;
-        const char16_t c = characters[i];
-
-        if (c == u'0') {
-            // "0x1F", "0o17"; a base mark without digits leaves the 0 a decimal number.
-            const char16_t mark = casefolding::fold(at(i + 1));
-            if (mark == u'x' || mark == u'o') {
-                const bool hex = mark == u'x';
-                qsizetype end = i + 2;
-                while (hex ? isHexDigit(at(end)) : (at(end) >= u'0' && at(end) <= u'7'))
-                    ++end;
-                if (end > i + 2) {
-                    appendNumber(numberparsing::integerValue(m_text.sliced(i + 2, end - i - 2), hex ? 16 : 8), start,
-                                 end);
-                    i = end;
-                    continue;
-                }
-            }
-        }
-        if (isDigit(c) || (c == u'.' && isDigit(at(i + 1)))) {
-            // The value of a plain number is gathered while its digits are read.
-            quint64 mantissa = 0;
-            int significantDigits = 0;
-            int fractionDigits = 0;
-            qsizetype end = i;
-            for (bool seenPoint = false;; ++end) {
-                const char16_t d = at(end);
-                if (isDigit(d)) {
-                    if (mantissa != 0 || d != u'0')
-                        ++significantDigits;
-                    mantissa = mantissa * 10 + (d - u'0');
-                    if (seenPoint)
-                        ++fractionDigits;
-                    continue;
-                }
-                if (d == u'.' && !seenPoint) {
-                    seenPoint = true;
-                    continue;
-                }
-                break;
-            }
-            bool plain = significantDigits <= numberparsing::kExactDigits && fractionDigits <= numberparsing::kExactDigits;
-            const char16_t mark = at(end);
-            if (mark == u'e' || mark == u'E') {
-                qsizetype exponent = end + 1;
-                const char16_t sign = at(exponent);
-                if (sign == u'-' || sign == u'+' || sign == 0x2212)
-                    ++exponent;
-                if (isDigit(at(exponent))) {
-                    while (isDigit(at(exponent)))
-                        ++exponent;
-                    end = exponent;
-                    plain = false;
-                }
-            }
-            appendNumber(plain ? numberparsing::exactDecimalValue(mantissa, fractionDigits)
-                               : numberparsing::decimalValue(m_text.sliced(i, end - i)),
-                         start, end);
-            i = end;
-            continue;
-        }
-        if (c >= 0x80 && FractionNumberExtractor::fractionValue(QChar(c)))
-            return false;
-        if (c >= 0x80 && !ExponentExtractor::plainCharacter(QChar(c)).isNull()) {
-            settleCall(false);
-            if (!readSuperscript(start, i))
-                return false;
-            continue;
-        }
-        if (c == u'$') {
-            qsizetype end = i + 1;
-            while (end < size && isNameCharacter(characters[end]))
-                ++end;
-            if (end == i + 1)
-                return false;
-            settleCall(false);
-            append({Token::Kind::variable, Token::Role::none, nullptr, 0.0, {start, end}});
-            i = end;
-            continue;
-        }
-        if (c == u'"' || c == u'\'')
-            return false;
-        if (operatorTokens.containsCharacter(QChar(c))) {
-            // The longest run of operator characters that is a token, so "**" wins over "*".
-            qsizetype length = 0;
-            if (operatorTokens.longestTokenLength() <= 2 && c < 0x80 && at(i + 1) < 0x80) {
-                if (operatorTokens.containsAsciiToken(c, at(i + 1)))
-                    length = 2;
-                else if (operatorTokens.containsAsciiToken(c))
-                    length = 1;
-            } else {
-                qsizetype run = 0;
-                while (run < operatorTokens.longestTokenLength() && i + run < size &&
-                       operatorTokens.containsCharacter(QChar(characters[i + run]))) {
-                    ++run;
-                }
-                length = run;
-                while (length > 0 && !operatorTokens.containsToken(m_text.sliced(i, length)))
-                    --length;
-            }
-            if (length == 0)
-                return false;
-            const QStringView token = m_text.sliced(i, length);
-            settleCall(callPending && m_operatorSet->isOpenParenthesisToken(token));
-            const Token *previous = m_tokens.empty() ? nullptr : &m_tokens.back();
-            bool unknown = false;
-            const Operator *op = m_operatorSet->operatorForToken(
-                token, OperatorSet::positionBehind(!previous, previous ? previous->op : nullptr), unknown);
-            if (!op)
-                return false;
-            appendOperator(*op, {start, start + length});
-            i += length;
-            continue;
-        }
-        qsizetype end = i + 1;
-        while (end < size && isNameCharacter(characters[end]))
-            ++end;
-        settleCall(false);
-        append({Token::Kind::identifier, Token::Role::none, nullptr, 0.0, {start, end}});
-        if (m_argumentlessFunctions) {
-            callPending = true;
-            callEnd = end;
-        }
-        i = end;
-    }
-    settleCall(false);
-    return true;
-}
-
-// "2³" is "2 ** (3)". Only superscript digits are read here; signs and parentheses in a
-// superscript are left to the staged parser.
-bool LineParser::readSuperscript(qsizetype start, qsizetype &end)
-{
-    // Longer runs are no power anyone types; the staged parser reads them all the same.
-    constexpr qsizetype kLongestRun = 15;
-    char16_t digits[kLongestRun];
-    qsizetype length = 0;
-    end = start;
-    for (;; ++end) {
-        const QChar plain =
-            ExponentExtractor::plainCharacter(end < m_text.size() ? m_text[end] : QChar());
-        if (plain.isNull())
-            break;
-        if (!isDigit(plain.unicode()) || length == kLongestRun)
-            return false;
-        digits[length++] = plain.unicode();
-    }
-    appendOperator(m_operatorSet->powerOperator(), {start, start});
-    m_tokens.push_back({Token::Kind::operatorSymbol, Token::Role::open, m_open, 0.0, {start, start}});
-    m_tokens.push_back({Token::Kind::number, Token::Role::none, nullptr,
-                        numberparsing::decimalValue(QStringView(digits, length)), {start, end}});
-    m_tokens.push_back({Token::Kind::operatorSymbol, Token::Role::close, m_close, 0.0, {end, end}});
-    return true;
-}
-
-void LineParser::append(const Token &token)
-{
-    if (m_implicitMultiplication && !m_tokens.empty()) {
-        const Token &previous = m_tokens.back();
-        const bool previousAllows = previous.kind == Token::Kind::number || previous.kind == Token::Kind::variable ||
-                                    (previous.op && previous.op->isPostfix());
-        const bool tokenTakes = token.kind != Token::Kind::operatorSymbol || token.op->isPrefix();
-        if (previousAllows && tokenTakes) {
-            const qsizetype at = token.range.start;
-            m_tokens.push_back({Token::Kind::operatorSymbol, Token::Role::none, m_implicitMultiply, 0.0, {at, at}});
-        }
-    }
-    m_tokens.push_back(token);
-}
-
-void LineParser::appendOperator(const Operator &op, CharacterRange range)
-{
-    Token::Role role = Token::Role::none;
-    if (const std::optional<BuiltInOperator> builtIn = op.builtInOperator()) {
-        if (*builtIn == BuiltInOperator::parenthesisOpen)
-            role = Token::Role::open;
-        else if (*builtIn == BuiltInOperator::parenthesisClose)
-            role = Token::Role::close;
-        else if (*builtIn == BuiltInOperator::comma)
-            role = Token::Role::comma;
-    }
-    append({Token::Kind::operatorSymbol, role, &op, 0.0, range});
-}
-
-void LineParser::appendEmptyCall(qsizetype at)
-{
-    m_tokens.push_back({Token::Kind::operatorSymbol, Token::Role::open, m_open, 0.0, {at, at}});
-    m_tokens.push_back({Token::Kind::operatorSymbol, Token::Role::close, m_close, 0.0, {at, at}});
-}
-
-qint32 LineParser::buildSequence(Context context, int depth)
-{
-    if (depth > limits::kMaxNestingDepth)
-        return -1;
-    const std::size_t base = m_elements.size();
-    while (m_position < m_tokens.size()) {
-        const Token &token = m_tokens[m_position];
-        if (token.role == Token::Role::close) {
-            if (context == Context::topLevel)
-                return -1;
-            break;
-        }
-        if (context == Context::argument && token.role == Token::Role::comma)
-            break;
-
-        OperatorReduction::Element element;
-        element.range = token.range;
-        switch (token.kind) {
-        case Token::Kind::number:
-            element.node = m_tree->addNumber(token.value, token.range);
-            ++m_position;
-            break;
-        case Token::Kind::variable:
-            element.node = m_tree->addVariable(m_text.sliced(token.range.start + 1, token.range.length() - 1).toString(),
-                                               token.range);
-            ++m_position;
-            break;
-        case Token::Kind::identifier:
-            element.node = buildCall(depth);
-            if (element.node < 0)
-                return -1;
-            element.range = m_tree->node(element.node).range;
-            break;
-        case Token::Kind::operatorSymbol:
-            if (token.role == Token::Role::open) {
-                const CharacterRange open = token.range;
-                ++m_position;
-                element.node = buildSequence(Context::group, depth + 1);
-                if (element.node < 0 || m_position >= m_tokens.size())
-                    return -1;
-                element.range = open.united(m_tokens[m_position].range);
-                ++m_position;
-            } else {
-                element.op = token.op;
-                ++m_position;
-            }
-            break;
-        }
-        m_elements.push_back(element);
-    }
-
-    const std::size_t count = m_elements.size() - base;
-    if (count == 0)
-        return -1;
-    // A lone operand, the common case inside calls, needs no reduction.
-    if (count == 1 && !m_elements[base].op) {
-        const qint32 node = m_elements[base].node;
-        m_elements.resize(base);
-        return node;
-    }
-    // A line still being typed, "12 +", lacks an operand at an end. The reduction would
-    // throw; declining here spares the exception, and the staged parser names the error.
-    const Operator *first = m_elements[base].op;
-    const Operator *last = m_elements.back().op;
-    if ((first && !first->isPrefix()) || (last && !last->isPostfix()))
-        return -1;
-    const qint32 node =
-        OperatorReduction(*m_tree, std::span(m_elements).subspan(base), m_pending).run(m_elements[base].range);
-    m_elements.resize(base);
-    return node;
-}
-
-qint32 LineParser::buildCall(int depth)
-{
-    const CharacterRange nameRange = m_tokens[m_position].range;
-    ++m_position;
-    if (m_position >= m_tokens.size() || m_tokens[m_position].role != Token::Role::open)
-        return -1;
-    ++m_position;
-
-    const std::size_t base = m_arguments.size();
+    using Kind = LineScanner::Token::Kind;
     for (;;) {
-        if (m_position >= m_tokens.size())
-            return -1;
-        const Token &next = m_tokens[m_position];
-        const bool closesEmptyCall = m_arguments.size() == base && next.role == Token::Role::close;
-        if (!closesEmptyCall) {
-            const qint32 argument = buildSequence(Context::argument, depth + 1);
-            if (argument < 0 || m_position >= m_tokens.size())
-                return -1;
-            m_arguments.push_back(argument);
+        const LineScanner::Token token = scanner.next();
+        if (m_namePending) {
+            m_namePending = false;
+            if (token.kind == Kind::symbol && m_operatorSet->isOpenParenthesisToken(textOf(token.range))) {
+                bool unknown = false;
+                const Operator *op = m_operatorSet->operatorForToken(
+                    textOf(token.range), OperatorSet::TokenPosition::behindOperand, unknown);
+                if (!op || !isBuiltIn(*op, BuiltInOperator::parenthesisOpen) || !open(Waiting::Kind::call, m_name))
+                    return false;
+                continue;
+            }
+            if (!callWithoutParentheses())
+                return false;
         }
-        const Token &separator = m_tokens[m_position];
-        ++m_position;
-        if (separator.role != Token::Role::close)
-            continue; // The comma that ended an argument.
 
-        // Names written as the built-ins spell them share the built-in's text.
-        const QStringView name = m_text.sliced(nameRange.start, nameRange.length());
-        const BuiltInFunctionTable &builtIns = BuiltInFunctionTable::instance();
-        const qint16 builtIn = builtIns.find(name);
-        QString nameString = builtIn != BuiltInFunctionTable::kNone && builtIns.name(builtIn) == name
-                                 ? builtIns.name(builtIn)
-                                 : name.toString();
-        const qint32 node =
-            m_tree->addFunction(std::move(nameString), builtIn, std::span(m_arguments).subspan(base),
-                                nameRange.united(separator.range));
-        m_arguments.resize(base);
-        if (m_tree->node(node).height > limits::kMaxExpressionHeight)
-            return -1;
-        return node;
+        switch (token.kind) {
+        case Kind::end:
+            return finish();
+        case Kind::unsupported:
+            return false;
+        case Kind::number:
+            if (!startOperand(token.range.start) || !pushNumber(token.value, token.range))
+                return false;
+            break;
+        case Kind::variable:
+            // A line with variables is computed from its tree, where the substitutions are.
+            if (!m_tree || !startOperand(token.range.start))
+                return false;
+            pushOperand({m_tree->addVariable(textOf({token.range.start + 1, token.range.end}).toString(), token.range),
+                         1, 0.0, token.range});
+            break;
+        case Kind::name:
+            if (!startOperand(token.range.start))
+                return false;
+            m_namePending = true;
+            m_name = token.range;
+            break;
+        case Kind::superscript: {
+            // "2³" is "2 ** (3)": a power with an empty token at the superscript's start.
+            const Operator &power = m_operatorSet->powerOperator();
+            const qsizetype start = token.range.start;
+            if (m_expectingOperand || !settlePostfix(&power) || !pushBinary(power, {start, start}) ||
+                !pushNumber(token.value, token.range)) {
+                return false;
+            }
+            m_behindPostfix = true;
+            break;
+        }
+        case Kind::symbol:
+            if (!readSymbol(textOf(token.range), token.range))
+                return false;
+            break;
+        }
     }
+}
+
+bool LineParser::readSymbol(QStringView token, CharacterRange range)
+{
+    using Position = OperatorSet::TokenPosition;
+    const Position position = m_expectingOperand
+                                  ? Position::noOperand
+                                  : (m_behindPostfix ? Position::behindPostfix : Position::behindOperand);
+    bool unknown = false;
+    const Operator *op = m_operatorSet->operatorForToken(token, position, unknown);
+    if (!op)
+        return false;
+    if (op->isBinary()) {
+        // Inside a call, a comma ends an argument; elsewhere it is an operator.
+        if (m_innermost >= 0 && m_waiting[std::size_t(m_innermost)].kind == Waiting::Kind::call &&
+            isBuiltIn(*op, BuiltInOperator::comma)) {
+            return separateArgument();
+        }
+        return !m_expectingOperand && settlePostfix(op) && pushBinary(*op, range);
+    }
+    if (op->isPrefix()) {
+        if (!startOperand(range.start))
+            return false;
+        return isBuiltIn(*op, BuiltInOperator::parenthesisOpen) ? open(Waiting::Kind::group, range)
+                                                                : pushPrefix(*op, range);
+    }
+    if (isBuiltIn(*op, BuiltInOperator::parenthesisClose))
+        return close(range);
+    if (m_expectingOperand)
+        return false;
+    m_postfix.push_back({op, range, 0, Operator::Associativity::left});
+    m_behindPostfix = true;
+    return true;
+}
+
+bool LineParser::finish()
+{
+    if (m_expectingOperand || !settlePostfix(nullptr))
+        return false;
+    while (!m_waiting.empty()) {
+        // An open parenthesis or call was never closed.
+        if (m_waiting.back().kind == Waiting::Kind::group || m_waiting.back().kind == Waiting::Kind::call)
+            return false;
+        if (!reduce())
+            return false;
+    }
+    return m_operands.size() == 1;
+}
+
+Q_ALWAYS_INLINE bool LineParser::pushOperand(Operand operand)
+{
+    m_operands.push_back(operand);
+    m_expectingOperand = false;
+    m_behindPostfix = false;
+    m_callJustOpened = false;
+    return true;
+}
+
+Q_ALWAYS_INLINE bool LineParser::pushNumber(double value, CharacterRange range)
+{
+    return pushOperand({m_tree ? m_tree->addNumber(value, range) : -1, 1, value, range});
+}
+
+Q_ALWAYS_INLINE bool LineParser::startOperand(qsizetype at)
+{
+    if (m_expectingOperand)
+        return true;
+    // "2pi", "2(3)", "3!4": two operands side by side multiply.
+    if (!m_implicitMultiplication)
+        return false;
+    return settlePostfix(m_implicitMultiply) && pushBinary(*m_implicitMultiply, {at, at});
+}
+
+Q_ALWAYS_INLINE bool LineParser::pushBinary(const Operator &op, CharacterRange range)
+{
+    const std::optional<int> precedence = op.precedence();
+    if (!precedence || !reduceWhileStronger(*precedence, op.associativity()))
+        return false;
+    m_waiting.push_back({Waiting::Kind::binary, *precedence, &op, range, -1, 0});
+    m_expectingOperand = true;
+    m_behindPostfix = false;
+    m_callJustOpened = false;
+    return true;
+}
+
+bool LineParser::pushPrefix(const Operator &op, CharacterRange range)
+{
+    const std::optional<int> precedence = op.precedence();
+    if (!precedence)
+        return false;
+    // Behind a stronger operator a prefix operator takes just what that one leaves it:
+    // in "2 ** -3 * 4" the minus takes the 3 alone, as the power does.
+    int strength = *precedence;
+    if (!m_waiting.empty()) {
+        const Waiting &before = m_waiting.back();
+        if (before.kind == Waiting::Kind::binary || before.kind == Waiting::Kind::prefix)
+            strength = qMax(strength, before.strength);
+    }
+    m_waiting.push_back({Waiting::Kind::prefix, strength, &op, range, -1, 0});
+    m_expectingOperand = true;
+    m_behindPostfix = false;
+    m_callJustOpened = false;
+    return true;
+}
+
+bool LineParser::open(Waiting::Kind kind, CharacterRange range)
+{
+    if (++m_depth > limits::kMaxNestingDepth)
+        return false;
+    m_waiting.push_back({kind, 0, nullptr, range, m_innermost, qint32(m_arguments.size())});
+    m_innermost = qint32(m_waiting.size() - 1);
+    m_expectingOperand = true;
+    m_behindPostfix = false;
+    m_callJustOpened = kind == Waiting::Kind::call;
+    return true;
+}
+
+bool LineParser::close(CharacterRange range)
+{
+    // Only a call may be empty, "sum()"; "()" and "(1 +)" are mistakes.
+    const bool emptyCall = m_expectingOperand && m_callJustOpened;
+    if (m_expectingOperand && !emptyCall)
+        return false;
+    if (!emptyCall) {
+        if (!settlePostfix(nullptr))
+            return false;
+        while (!m_waiting.empty() && m_waiting.back().kind != Waiting::Kind::group &&
+               m_waiting.back().kind != Waiting::Kind::call) {
+            if (!reduce())
+                return false;
+        }
+    }
+    if (m_waiting.empty())
+        return false; // A ")" without its "(".
+    const Waiting opening = m_waiting.back();
+    m_waiting.pop_back();
+    m_innermost = opening.enclosing;
+    --m_depth;
+
+    const CharacterRange whole = opening.range.united(range);
+    if (opening.kind == Waiting::Kind::group) {
+        m_operands.back().range = whole;
+    } else {
+        if (!emptyCall) {
+            m_arguments.push_back(m_operands.back());
+            m_operands.pop_back();
+        }
+        const std::size_t first = std::size_t(opening.firstArgument);
+        Operand result;
+        const bool called = call(opening.range, std::span(m_arguments).subspan(first), whole, result);
+        m_arguments.resize(first);
+        if (!called)
+            return false;
+        m_operands.push_back(result);
+    }
+    m_expectingOperand = false;
+    m_behindPostfix = true;
+    m_callJustOpened = false;
+    return true;
+}
+
+bool LineParser::separateArgument()
+{
+    if (m_expectingOperand || !settlePostfix(nullptr))
+        return false;
+    while (m_waiting.back().kind != Waiting::Kind::call) {
+        if (!reduce())
+            return false;
+    }
+    m_arguments.push_back(m_operands.back());
+    m_operands.pop_back();
+    m_expectingOperand = true;
+    m_behindPostfix = false;
+    m_callJustOpened = false;
+    return true;
+}
+
+bool LineParser::callWithoutParentheses()
+{
+    if (!m_argumentlessFunctions)
+        return false;
+    Operand result;
+    if (!call(m_name, {}, m_name, result))
+        return false;
+    pushOperand(result);
+    m_behindPostfix = true;
+    return true;
+}
+
+bool LineParser::call(CharacterRange name, std::span<const Operand> arguments, CharacterRange range, Operand &result)
+{
+    const QStringView written = textOf(name);
+    const BuiltInFunctionTable &builtIns = BuiltInFunctionTable::instance();
+    const qint16 builtIn = builtIns.find(written);
+    qint32 height = 0;
+    for (const Operand &argument : arguments)
+        height = qMax(height, argument.height);
+    result = {-1, height + 1, 0.0, range};
+    if (result.height > limits::kMaxExpressionHeight)
+        return false;
+
+    if (!m_tree) {
+        switch (arguments.size()) {
+        case 0:
+            return callDirectly(builtIn, nullptr, nullptr, result.value);
+        case 1:
+            return callDirectly(builtIn, &arguments[0].value, nullptr, result.value);
+        case 2:
+            return callDirectly(builtIn, &arguments[0].value, &arguments[1].value, result.value);
+        default:
+            return false;
+        }
+    }
+
+    m_argumentNodes.clear();
+    for (const Operand &argument : arguments)
+        m_argumentNodes.push_back(argument.node);
+    // Names written as the built-ins spell them share the built-in's text.
+    QString nameString = builtIn != BuiltInFunctionTable::kNone && builtIns.name(builtIn) == written
+                             ? builtIns.name(builtIn)
+                             : written.toString();
+    result.node = m_tree->addFunction(std::move(nameString), builtIn, m_argumentNodes, range);
+    return true;
+}
+
+Q_ALWAYS_INLINE bool LineParser::settlePostfix(const Operator *next)
+{
+    return m_postfix.empty() || applyPostfix(next);
+}
+
+bool LineParser::applyPostfix(const Operator *next)
+{
+    // "2 ** 3! ** 2": a postfix operator before a stronger operator takes just what that
+    // one leaves it, and so does every postfix operator before it.
+    int strength = std::numeric_limits<int>::min();
+    Operator::Associativity associativity = Operator::Associativity::left;
+    if (next) {
+        if (!next->precedence())
+            return false;
+        strength = *next->precedence();
+        associativity = next->associativity();
+    }
+    for (auto postfix = m_postfix.rbegin(); postfix != m_postfix.rend(); ++postfix) {
+        const std::optional<int> precedence = postfix->op->precedence();
+        if (!precedence)
+            return false;
+        if (*precedence > strength) {
+            strength = *precedence;
+            associativity = postfix->op->associativity();
+        }
+        postfix->strength = strength;
+        postfix->associativity = associativity;
+    }
+    for (const Postfix &postfix : m_postfix) {
+        if (!reduceWhileStronger(postfix.strength, postfix.associativity))
+            return false;
+        Operand &operand = m_operands.back();
+        if (!apply(*postfix.op, operand, nullptr, operand.range.united(postfix.range)))
+            return false;
+    }
+    m_postfix.clear();
+    return true;
+}
+
+Q_ALWAYS_INLINE bool LineParser::reduceWhileStronger(int strength, Operator::Associativity associativity)
+{
+    while (!m_waiting.empty()) {
+        const Waiting &top = m_waiting.back();
+        if (top.kind == Waiting::Kind::group || top.kind == Waiting::Kind::call || top.strength < strength ||
+            (top.strength == strength && associativity == Operator::Associativity::right)) {
+            break;
+        }
+        if (!reduce())
+            return false;
+    }
+    return true;
+}
+
+Q_ALWAYS_INLINE bool LineParser::reduce()
+{
+    const Waiting &top = m_waiting.back();
+    const Operator &op = *top.op;
+    const CharacterRange range = top.range;
+    const bool binary = top.kind == Waiting::Kind::binary;
+    m_waiting.pop_back();
+    if (binary) {
+        const Operand right = m_operands.back();
+        m_operands.pop_back();
+        Operand &left = m_operands.back();
+        return apply(op, left, &right, left.range.united(range).united(right.range));
+    }
+    Operand &operand = m_operands.back();
+    return apply(op, operand, nullptr, range.united(operand.range));
+}
+
+Q_ALWAYS_INLINE bool LineParser::apply(const Operator &op, Operand &first, const Operand *second, CharacterRange range)
+{
+    first.height = (second ? qMax(first.height, second->height) : first.height) + 1;
+    first.range = range;
+    if (first.height > limits::kMaxExpressionHeight)
+        return false;
+    if (m_tree) {
+        first.node = m_tree->addOperator(op, first.node, second ? second->node : -1, range);
+        return true;
+    }
+    return callDirectly(op.builtInFunction(), &first.value, second ? &second->value : nullptr, first.value);
+}
+
+// The evaluator calls a built-in of one or two arguments with their values, and so does
+// the parser; every other function evaluates its own arguments and needs the tree.
+Q_ALWAYS_INLINE bool LineParser::callDirectly(qint16 builtIn, const double *x, const double *y, double &value)
+{
+    const Function *function = builtIn != BuiltInFunctionTable::kNone ? m_functions->findBuiltIn(builtIn) : nullptr;
+    if (!function)
+        return false;
+    const NativeFunction *native = &function->native();
+    EvaluationState &state = *m_state;
+    switch (native->shape) {
+    case NativeFunction::Shape::constant:
+        if (x)
+            return false;
+        value = native->constant;
+        return true;
+    case NativeFunction::Shape::unary:
+        if (!x || y)
+            return false;
+        value = native->unary(state, *x);
+        break;
+    case NativeFunction::Shape::binary:
+        if (!y)
+            return false;
+        value = native->binary(state, *x, *y);
+        break;
+    case NativeFunction::Shape::none:
+    case NativeFunction::Shape::variadic:
+        return false;
+    }
+    // A failure is named by the tree walk, which knows where it happened.
+    return !state.failed();
 }
 
 void LineParser::releaseLargeBuffers()
 {
-    releaseIfLarge(m_tokens);
-    releaseIfLarge(m_elements);
-    releaseIfLarge(m_pending);
+    releaseIfLarge(m_operands);
+    releaseIfLarge(m_waiting);
+    releaseIfLarge(m_postfix);
     releaseIfLarge(m_arguments);
+    releaseIfLarge(m_argumentNodes);
 }
 
 } // namespace scrivlet::math

@@ -317,14 +317,38 @@ void OperatorSet::rebuildLookups()
             return op->builtInOperator() == BuiltInOperator::parenthesisOpen;
         });
     }
+    m_asciiPairEntries.fill({});
+    std::size_t pairs = 0;
     for (std::size_t entry = 0; entry < m_tokenEntries.size(); ++entry) {
         const QString &token = m_tokenEntries[entry].foldedToken;
         if (token.size() == 1 && token.front().unicode() < 0x80)
             m_asciiTokenEntry[token.front().unicode()] = qint16(entry);
+        if (token.size() == 2 && token[0].unicode() < 0x80 && token[1].unicode() < 0x80 &&
+            ++pairs < m_asciiPairEntries.size()) {
+            const quint16 key = quint16(token[0].unicode() * 128u + token[1].unicode());
+            std::size_t slot = asciiPairSlot(key);
+            while (m_asciiPairEntries[slot].entry >= 0)
+                slot = (slot + 1) % m_asciiPairEntries.size();
+            m_asciiPairEntries[slot] = {key, qint16(entry)};
+        }
     }
+    // A full table would leave no empty slot to end a search for an unknown token.
+    m_asciiPairsIndexed = pairs < m_asciiPairEntries.size();
     m_operatorTokenSet = OperatorTokenSet(allTokens);
     m_openParenthesis = builtIn(BuiltInOperator::parenthesisOpen);
     m_closeParenthesis = builtIn(BuiltInOperator::parenthesisClose);
+
+    m_uniformAssociativity = true;
+    for (const Operator &op : m_operators) {
+        if (&op == m_openParenthesis || &op == m_closeParenthesis || !op.precedence())
+            continue;
+        for (const Operator &other : m_operators) {
+            if (&other != m_openParenthesis && &other != m_closeParenthesis && other.precedence() == op.precedence() &&
+                other.associativity() != op.associativity()) {
+                m_uniformAssociativity = false;
+            }
+        }
+    }
 }
 
 } // namespace scrivlet::math

@@ -68,6 +68,10 @@ public:
         unknown = !entry;
         return entry ? entry->chosen[std::size_t(position)] : nullptr;
     }
+    // Whether all operators of one strength associate the same way, the parentheses aside.
+    // Then an expression can be read from left to right, an operator waiting until the
+    // next one shows whether it binds first; the default set is such a set.
+    bool hasUniformAssociativity() const { return m_uniformAssociativity; }
     // Whether the token can be an opening parenthesis.
     bool isOpenParenthesisToken(QStringView token) const
     {
@@ -97,6 +101,7 @@ private:
     QSet<QString> m_knownTokens;
     const Operator *m_openParenthesis = nullptr;
     const Operator *m_closeParenthesis = nullptr;
+    bool m_uniformAssociativity = false;
 
     struct TokenEntry {
         QString foldedToken;
@@ -105,18 +110,27 @@ private:
         std::array<const Operator *, 3> chosen{};
         bool opensParenthesis = false;
     };
-    // Inline for the one-character ASCII tokens nearly every operator is written with.
+    // Inline for the one- and two-character ASCII tokens nearly every operator is written with.
     const TokenEntry *findEntry(QStringView token) const
     {
         if (token.size() == 1 && token.front().unicode() < 0x80) {
-            char16_t c = token.front().unicode();
-            if (c >= u'A' && c <= u'Z')
-                c += u'a' - u'A';
-            const qint16 entry = m_asciiTokenEntry[c];
+            const qint16 entry = m_asciiTokenEntry[asciiFolded(token.front().unicode())];
             return entry < 0 ? nullptr : &m_tokenEntries[std::size_t(entry)];
+        }
+        if (token.size() == 2 && token[0].unicode() < 0x80 && token[1].unicode() < 0x80 && m_asciiPairsIndexed) {
+            const quint16 key = quint16(asciiFolded(token[0].unicode()) * 128u + asciiFolded(token[1].unicode()));
+            for (std::size_t slot = asciiPairSlot(key);; slot = (slot + 1) % m_asciiPairEntries.size()) {
+                const AsciiPairEntry &pair = m_asciiPairEntries[slot];
+                if (pair.key == key)
+                    return &m_tokenEntries[std::size_t(pair.entry)];
+                if (pair.entry < 0)
+                    return nullptr;
+            }
         }
         return findEntrySlowly(token);
     }
+    static char16_t asciiFolded(char16_t c) { return c >= u'A' && c <= u'Z' ? char16_t(c + (u'a' - u'A')) : c; }
+    static std::size_t asciiPairSlot(quint16 key) { return (key * 40503u >> 7) % 64; }
     const TokenEntry *findEntrySlowly(QStringView token) const;
     static const Operator *choose(const std::vector<const Operator *> &candidates, TokenPosition position);
 
@@ -124,6 +138,14 @@ private:
     std::vector<TokenEntry> m_tokenEntries;
     // The entry of each one-character ASCII token, -1 for none: most tokens are such.
     std::array<qint16, 128> m_asciiTokenEntry;
+    // The entry of each two-character ASCII token ("**", "<="), by its folded characters,
+    // open addressing; unused while the set has too many such tokens for the table.
+    struct AsciiPairEntry {
+        quint16 key = 0;
+        qint16 entry = -1;
+    };
+    std::array<AsciiPairEntry, 64> m_asciiPairEntries;
+    bool m_asciiPairsIndexed = false;
 };
 
 } // namespace scrivlet::math

@@ -29,6 +29,19 @@ OperatorTokenSet::OperatorTokenSet(const QStringList &tokens) : m_tokens(tokens)
         if (c < 0x80)
             m_asciiCharacters.set(c);
     }
+    for (char16_t c = 0; c < 0x80; ++c) {
+        const char16_t folded = asciiFolded(c);
+        quint8 flags = 0;
+        if (m_asciiCharacters.test(folded))
+            flags |= operatorCharacter;
+        if (m_asciiSingleCharacterTokens.test(folded))
+            flags |= singleCharacterToken;
+        for (char16_t second = 0; second < 0x80; ++second) {
+            if (m_asciiPairTokens.test(folded * 128u + second))
+                flags |= startsTwoCharacterToken;
+        }
+        m_asciiFlags[c] = flags;
+    }
     std::sort(m_characters.begin(), m_characters.end());
     m_characters.erase(std::unique(m_characters.begin(), m_characters.end()), m_characters.end());
 }

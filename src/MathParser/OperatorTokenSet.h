@@ -4,6 +4,7 @@
 #include <QStringList>
 #include <QStringView>
 
+#include <array>
 #include <bitset>
 #include <vector>
 
@@ -33,6 +34,15 @@ public:
         return first < 0x80 && second < 0x80 && m_asciiPairTokens.test(asciiFolded(first) * 128u + asciiFolded(second));
     }
     qsizetype longestTokenLength() const { return m_longestTokenLength; }
+
+    // What an ASCII character can be in a token, ignoring case, looked up in one step: the
+    // scanner asks for every token of every line.
+    enum AsciiFlag : quint8 {
+        operatorCharacter = 1,
+        singleCharacterToken = 2,
+        startsTwoCharacterToken = 4,
+    };
+    quint8 asciiFlags(char16_t c) const { return m_asciiFlags[c]; }
     const QStringList &tokens() const { return m_tokens; }
 
 private:
@@ -50,6 +60,7 @@ private:
     std::bitset<128> m_asciiSingleCharacterTokens;
     // Two-character tokens such as "**" and "<=", by first * 128 + second.
     std::bitset<128 * 128> m_asciiPairTokens;
+    std::array<quint8, 128> m_asciiFlags{};
 };
 
 } // namespace scrivlet::math
