@@ -6,11 +6,13 @@
 #include "notes/NoteConversion.h"
 #include "notes/NotesLogging.h"
 #include "notes/PendingChangeSink.h"
+#include "notes/ReadTransaction.h"
 #include "notes/SlottedNoteDefaults.h"
 #include "notes/Statement.h"
 #include "platform/Clock.h"
 #include "platform/SettingsStore.h"
 
+#include <QDeadlineTimer>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QLocale>
@@ -967,8 +969,9 @@ int CoreDataManager::positionUnplacedNotes(qint64 step, qint64 base)
             markUpdated(row.objectId, row.id);
         placed.insert(std::upper_bound(placed.begin(), placed.end(), row, earlier), row);
     }
-    if (changed > 0)
-        save();
+    // Save even when no index moved: the tags alone must reach the file, or every start
+    // would place the same notes again.
+    save();
     return changed;
 }
 
@@ -998,35 +1001,157 @@ std::vector<Note> CoreDataManager::fetchBetween(qint64 lower, qint64 upper)
     return fetchNotes(query, QStringLiteral("Error fetching notes between two places: "));
 }
 
-std::vector<Note> CoreDataManager::fetchContaining(const QString &foldedText)
-{
-    if (foldedText.isEmpty())
-        return {};
-    qsizetype codePoints = 0;
-    for (const QChar c : foldedText)
-        codePoints += c.isLowSurrogate() ? 0 : 1;
+// ---- search ----------------------------------------------------------------------------
 
-    // The trigram index answers anything of three characters or more; shorter texts
-    // are looked for in every folded copy, which is what the index would say anyway.
-    Statement *query = nullptr;
-    if (codePoints >= 3) {
-        // Driven by the index: the notes table is only visited for the hits.
-        query = statement(QStringLiteral("SELECT ") % kNoteColumns %
-                          QStringLiteral(" FROM noteSearch CROSS JOIN notes ON notes.objectId = noteSearch.rowid "
-                                         "WHERE noteSearch MATCH ?1 AND ") %
-                          kLive % QStringLiteral(" ORDER BY dbIndex ASC, objectId ASC"));
-        // One phrase: the folded text holds only letters, digits and spaces, never a quote.
-        if (query)
-            query->bind(1, QLatin1Char('"') % foldedText % QLatin1Char('"'));
-    } else {
-        query = statement(QStringLiteral("SELECT ") % kNoteColumns %
-                          QStringLiteral(" FROM noteSearch CROSS JOIN notes ON notes.objectId = noteSearch.rowid "
-                                         "WHERE instr(noteSearch.folded, ?1) > 0 AND ") %
-                          kLive % QStringLiteral(" ORDER BY dbIndex ASC, objectId ASC"));
-        if (query)
-            query->bind(1, foldedText);
+std::shared_ptr<const SearchCatalogue::Order> CoreDataManager::searchOrder()
+{
+    if (!m_searchCatalogue)
+        m_searchCatalogue = std::make_unique<SearchCatalogue>(m_db);
+    return m_searchCatalogue->order();
+}
+
+bool CoreDataManager::isIndexable(const QString &foldedText)
+{
+    // The index is of trigrams: three characters, counted as code points.
+    qsizetype codePoints = 0;
+    for (const QChar c : foldedText) {
+        codePoints += c.isLowSurrogate() ? 0 : 1;
+        if (codePoints >= 3)
+            return true;
     }
-    return fetchNotes(query, QStringLiteral("CoreDataManager: Error fetching notes with predicate: "));
+    return false;
+}
+
+std::optional<std::vector<qint64>> CoreDataManager::indexedSearch(const QString &foldedText)
+{
+    if (!isIndexable(foldedText))
+        return std::vector<qint64>();
+    const ReadTransaction transaction(m_db);
+    const auto order = searchOrder();
+    Statement *match = statement(QStringLiteral("SELECT rowid FROM noteSearch WHERE noteSearch MATCH ?1"));
+    if (!order || !match)
+        return std::nullopt;
+    // One phrase: a folded query holds only letters, digits and spaces, never a quote.
+    match->bind(1, QLatin1Char('"') % foldedText % QLatin1Char('"'));
+    std::vector<qint64> matched;
+    Statement::Step step;
+    while ((step = match->step()) == Statement::Step::Row)
+        matched.push_back(match->columnInt64(0));
+    if (step == Statement::Step::Error) {
+        qCWarning(lcNotes).noquote() << "CoreDataManager: Error searching notes:" << match->lastError();
+        return std::nullopt;
+    }
+    std::vector<qint64> hits;
+    if (matched.empty())
+        return hits;
+
+    // The index names its rows in the order they were written; the stack's order, and
+    // which rows are live, come from the catalogue, walked once.
+    const qint64 highest = *std::max_element(matched.begin(), matched.end());
+    std::vector<bool> isMatch(std::size_t(highest) + 1, false);
+    for (const qint64 row : matched) {
+        if (row > 0)
+            isMatch[std::size_t(row)] = true;
+    }
+    hits.reserve(matched.size());
+    for (const SearchCatalogue::Entry &entry : *order) {
+        if (entry.objectId > 0 && entry.objectId <= highest && isMatch[std::size_t(entry.objectId)])
+            hits.push_back(entry.objectId);
+    }
+    return hits;
+}
+
+std::optional<std::size_t> CoreDataManager::scanForText(const QString &foldedText, const SearchCatalogue::Order &order,
+                                                        std::size_t from, std::vector<qint64> &hits,
+                                                        qsizetype maxNewHits, QDeadlineTimer deadline)
+{
+    Statement *read = statement(QStringLiteral("SELECT folded FROM noteSearch WHERE rowid = ?1"));
+    if (!read)
+        return std::nullopt;
+    const ReadTransaction transaction(m_db);
+    // The deadline is looked at every few notes: reading one takes microseconds.
+    constexpr std::size_t kNotesBetweenChecks = 32;
+    qsizetype found = 0;
+    std::size_t at = from;
+    while (at < order.size() && found < maxNewHits) {
+        if (at != from && (at - from) % kNotesBetweenChecks == 0 && deadline.hasExpired())
+            break;
+        read->bind(1, order[at].objectId);
+        const Statement::Step step = read->step();
+        if (step == Statement::Step::Error) {
+            qCWarning(lcNotes).noquote() << "CoreDataManager: Error searching notes:" << read->lastError();
+            read->reset();
+            return std::nullopt;
+        }
+        if (step == Statement::Step::Row && read->columnText(0).contains(foldedText)) {
+            hits.push_back(order[at].objectId);
+            ++found;
+        }
+        read->reset();
+        ++at;
+    }
+    return at;
+}
+
+std::vector<std::optional<SearchResult>> CoreDataManager::fetchSearchResults(const std::vector<qint64> &rows)
+{
+    Statement *read = statement(
+        QStringLiteral("SELECT id, content, lastModified, dbIndex, isSlotted, slotIndex FROM notes WHERE objectId = ?1 "
+                       "AND ") %
+        kLive);
+    if (!read)
+        return {};
+    const ReadTransaction transaction(m_db);
+    std::vector<std::optional<SearchResult>> results;
+    results.reserve(rows.size());
+    for (const qint64 row : rows) {
+        read->bind(1, row);
+        const Statement::Step step = read->step();
+        if (step == Statement::Step::Error) {
+            qCWarning(lcNotes).noquote() << "CoreDataManager: Error reading search results:" << read->lastError();
+            read->reset();
+            return {};
+        }
+        if (step == Statement::Step::Done) {
+            results.emplace_back();
+            continue;
+        }
+        // The same nil replacements as a whole note gets.
+        SearchResult result;
+        result.id = uuidFrom(read->optionalText(0)).value_or(QUuid::createUuid());
+        result.content = read->optionalText(1).value_or(QString());
+        result.lastModified = dateFrom(read->optionalInt64(2)).value_or(m_clock.now());
+        result.dbIndex = read->columnInt64(3);
+        result.isSlotted = read->columnInt64(4) != 0;
+        if (const qint64 slot = read->columnInt64(5); slot != 0)
+            result.slotIndex = NoteConversion::narrow(slot, "slotIndex");
+        results.push_back(std::move(result));
+        read->reset();
+    }
+    return results;
+}
+
+std::vector<Note> CoreDataManager::fetchNotesAt(const std::vector<qint64> &rows)
+{
+    Statement *read = statement(kSelectNotes % QStringLiteral("WHERE objectId = ?1 AND ") % kLive);
+    if (!read)
+        return {};
+    const ReadTransaction transaction(m_db);
+    std::vector<Note> notes;
+    notes.reserve(rows.size());
+    for (const qint64 row : rows) {
+        read->bind(1, row);
+        auto records = selectRecords(*read, true);
+        if (!records) {
+            qCWarning(lcNotes).noquote() << "CoreDataManager: Error fetching notes with predicate: "
+                                         << read->lastError();
+            return {};
+        }
+        for (const CDNote &record : *records)
+            notes.push_back(NoteConversion::toNote(record, m_clock));
+        read->reset();
+    }
+    return notes;
 }
 
 std::optional<qint64> CoreDataManager::countWhere(const QString &where, const QVariantList &values)
@@ -1351,6 +1476,76 @@ bool CoreDataManager::insertTutorialNote(const QString &content, const QDateTime
     if (!insertRecord(record))
         return false;
     return save();
+}
+
+} // namespace scrivlet
+
+// ---- the legacy import ---------------------------------------------------------------
+
+namespace scrivlet {
+
+bool CoreDataManager::containsNote(const QUuid &id)
+{
+    Statement *query = statement(QStringLiteral("SELECT 1 FROM notes WHERE id = ?1 LIMIT 1"));
+    if (!query)
+        return false;
+    query->bind(1, uuidText(id));
+    const bool found = query->step() == Statement::Step::Row;
+    query->reset();
+    return found;
+}
+
+std::optional<qint64> CoreDataManager::insertImportedNote(const CDNote &record)
+{
+    if (!beginWrite())
+        return std::nullopt;
+    // The row and its children go in together or not at all, so a bad child row
+    // can't leave half a note behind.
+    if (!m_db.exec(QStringLiteral("SAVEPOINT importNote"))) {
+        qCWarning(lcNotes).noquote() << "Error inserting a note:" << m_db.lastError();
+        return std::nullopt;
+    }
+    const auto objectId = insertRecord(record);
+    if (!objectId) {
+        m_db.exec(QStringLiteral("ROLLBACK TO importNote; RELEASE importNote"));
+        return std::nullopt;
+    }
+    m_db.exec(QStringLiteral("RELEASE importNote"));
+    return objectId;
+}
+
+std::optional<std::vector<CDNote>> CoreDataManager::fetchStackRows()
+{
+    Statement *query = statement(kSelectNotes % QStringLiteral("WHERE ") % kLive %
+                                 QStringLiteral(" AND isSlotted = 0 ORDER BY dbIndex ASC, objectId ASC"));
+    if (!query)
+        return std::nullopt;
+    auto rows = selectRecords(*query, false);
+    if (!rows)
+        qCWarning(lcNotes).noquote() << "Error fetching the stack:" << query->lastError();
+    query->reset();
+    return rows;
+}
+
+bool CoreDataManager::placeImportedNote(const CDNote &row, qint64 dbIndex)
+{
+    if (row.dbIndex != dbIndex &&
+        !updateColumn(QStringLiteral("UPDATE notes SET dbIndex = ?1 WHERE objectId = ?2"), row.objectId,
+                      qint64(NoteConversion::narrow(dbIndex, "dbIndex"))))
+        return false;
+    if (!updateColumn(QStringLiteral("UPDATE notes SET ckChangeTag = ?1 WHERE objectId = ?2"), row.objectId,
+                      kPositionedTag))
+        return false;
+    markUpdated(row.objectId, row.id);
+    return true;
+}
+
+void CoreDataManager::discardChanges()
+{
+    if (m_context)
+        m_context->rollback();
+    m_context.reset();
+    m_changes.clear();
 }
 
 } // namespace scrivlet

@@ -4,6 +4,8 @@
 #include "notes/Note.h"
 #include "notes/NotePredicate.h"
 #include "notes/NoteViewModel.h"
+#include "notes/SearchCatalogue.h"
+#include "notes/SearchResult.h"
 #include "notes/Transaction.h"
 #include "shell/preferences/NotesPreferences.h"
 
@@ -11,8 +13,11 @@
 #include <QUuid>
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <vector>
+
+class QDeadlineTimer;
 
 namespace scrivlet {
 
@@ -62,9 +67,29 @@ public:
     int countTrash();
     // Live stack notes with `lower <= dbIndex < upper`, oldest first.
     std::vector<Note> fetchBetween(qint64 lower, qint64 upper);
-    // Live notes, slotted included, whose folded text holds `foldedText` (see
-    // `TextFolding`), by `dbIndex`. An empty text is in no note.
-    std::vector<Note> fetchContaining(const QString &foldedText);
+
+    // Search (see `SearchResults`). Hits are the rows of live notes, slotted included, in
+    // the order of `searchOrder`; texts are in the folded form of `TextFolding`.
+    //
+    // Every live note in that order, by `dbIndex` and then by row; null when the store
+    // can't be read.
+    std::shared_ptr<const SearchCatalogue::Order> searchOrder();
+    // Whether the index can answer `foldedText`: three characters or more.
+    static bool isIndexable(const QString &foldedText);
+    // Every live note whose folded text holds `foldedText`, found through the index;
+    // none when the store can't be read.
+    std::optional<std::vector<qint64>> indexedSearch(const QString &foldedText);
+    // Reads the folded texts of `order` from `from` on, appending each row that holds
+    // `foldedText` to `hits`, until `maxNewHits` were added, `deadline` passed or the
+    // order ended. Returns where it stopped; none when the store can't be read.
+    std::optional<std::size_t> scanForText(const QString &foldedText, const SearchCatalogue::Order &order,
+                                           std::size_t from, std::vector<qint64> &hits, qsizetype maxNewHits,
+                                           QDeadlineTimer deadline);
+    // What the search view shows of each row, in order: nil for a row that is no longer
+    // a live note. Empty when the store can't be read.
+    std::vector<std::optional<SearchResult>> fetchSearchResults(const std::vector<qint64> &rows);
+    // The live notes among `rows`, whole, in that order.
+    std::vector<Note> fetchNotesAt(const std::vector<qint64> &rows);
     // Rows of the stack, soft-deleted ones included.
     int countStackRows();
 
@@ -108,6 +133,18 @@ public:
     void migrateToSparseIndex();
     int positionUnplacedNotes(qint64 step = kIndexStep, qint64 base = kIndexStep);
 
+    // The legacy import. Its writes gather in the context like any other and are saved
+    // by the importer, batch by batch.
+    bool containsNote(const QUuid &id);
+    // Adds a whole row with its child rows, unsaved; the row's store identity, or none.
+    std::optional<qint64> insertImportedNote(const CDNote &record);
+    // Live stack rows without their child rows, by `dbIndex`; none when the fetch fails.
+    std::optional<std::vector<CDNote>> fetchStackRows();
+    // Gives a row its place in the stack and marks it as placed ("positioned").
+    bool placeImportedNote(const CDNote &row, qint64 dbIndex);
+    // Drops every unsaved write, so a failed import leaves the store as it was.
+    void discardChanges();
+
 private:
     enum class ChangeKind { inserted, updated, deleted };
     struct Change {
@@ -148,6 +185,7 @@ private:
     std::optional<Transaction> m_context;
     std::map<qint64, Change> m_changes;
     quint64 m_changeCounter = 0;
+    std::unique_ptr<SearchCatalogue> m_searchCatalogue;
 };
 
 } // namespace scrivlet

@@ -22,6 +22,8 @@ using namespace std::chrono_literals;
 constexpr int kLoadAheadMargin = 10;
 // Trimming keeps this many older notes below the open one.
 constexpr int kTrimKeepBelow = 10;
+// The longest the search holds the main loop at a time: one frame at 120 Hz.
+constexpr std::chrono::milliseconds kSearchSlice = 8ms;
 
 QString idText(const QUuid &id)
 {
@@ -712,13 +714,29 @@ std::vector<Note> CoreDataNotesManager::searchNotes(const QString &query)
     const QString cleaned = SearchQuery::clean(query);
     if (cleaned.isEmpty())
         return m_store.fetchAll(true);
-    return m_store.fetchContaining(TextFolding::fold(cleaned));
+    return SearchResults(m_store, TextFolding::fold(cleaned)).notes();
 }
 
 void CoreDataNotesManager::updateSearchResults(const QString &query)
 {
-    m_searchResults = toModels(searchNotes(query));
+    m_searchSlices.cancel();
+    m_searchResults = SearchResults(m_store, TextFolding::fold(SearchQuery::clean(query)));
+    // The first slice stops at a screenful, so a keystroke never waits for a short
+    // query's whole list.
+    m_searchResults.fetchMore(kSearchScreenful, QDeadlineTimer(kSearchSlice));
+    m_searchResults.load(0, kSearchScreenful);
     notify(Change::searchResults);
+    if (!m_searchResults.isComplete())
+        m_searchSlices.call([this] { searchFurther(); });
+}
+
+void CoreDataNotesManager::searchFurther()
+{
+    if (m_searchResults.fetchMore(SearchResults::kUnlimited, QDeadlineTimer(kSearchSlice)) > 0 ||
+        m_searchResults.isComplete())
+        notify(Change::searchResults);
+    if (!m_searchResults.isComplete())
+        m_searchSlices.call([this] { searchFurther(); });
 }
 
 } // namespace scrivlet

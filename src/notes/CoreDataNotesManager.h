@@ -2,6 +2,7 @@
 
 #include "notes/Note.h"
 #include "notes/NoteViewModel.h"
+#include "notes/SearchResults.h"
 #include "platform/Debouncer.h"
 #include "platform/NotificationBus.h"
 #include "shell/preferences/NotesPreferences.h"
@@ -62,7 +63,9 @@ public:
     // State.
     const NoteViewModelList &noteViewModels() const { return m_noteViewModels; }
     const NoteViewModelList &slottedNoteViewModels() const { return m_slottedNoteViewModels; }
-    const NoteViewModelList &searchResults() const { return m_searchResults; }
+    // The search view's list. Its rows are read from the store as the view asks for them.
+    SearchResults &searchResults() { return m_searchResults; }
+    const SearchResults &searchResults() const { return m_searchResults; }
     int currentIndex() const { return m_currentIndex; }
     std::optional<QUuid> currentNoteId() const { return m_currentNoteId; }
     int previouslyViewedIndex() const { return m_previouslyViewedIndex; }
@@ -98,10 +101,18 @@ public:
     // every note that changed meanwhile.
     void reloadAfterRemoteChanges(const QSet<QUuid> &changedUUIDs);
 
-    // Search over the whole store, not only the loaded window.
+    // Search over the whole store, not only the loaded window: every hit, as a whole
+    // note, by `dbIndex`.
     std::vector<Note> searchNotes(const QString &query);
-    // Runs a search for the search view and keeps its results in `searchResults`.
+    // A keystroke in the search bar: `searchResults` holds the new hits, with the first
+    // screenful of rows read. A query too short for the store's index goes on being
+    // looked for in slices on the main loop, each announced to observers, until the
+    // list is whole. The search view opens on the empty query, every live note, which
+    // also reads the order of the stack that the keystrokes after it rely on.
     void updateSearchResults(const QString &query);
+
+    // Rows of the search view read with each keystroke; the rest wait until asked for.
+    static constexpr qsizetype kSearchScreenful = 50;
 
 private:
     bool navigationBlocked() const { return m_isNavigationBlocked && m_isNavigationBlocked(); }
@@ -115,6 +126,7 @@ private:
     void writeContent(const std::shared_ptr<NoteViewModel> &model, const QString &content);
     void pill(const QString &message, const QString &type) const;
     void notify(Change change);
+    void searchFurther();
 
     CoreDataManager &m_store;
     NotificationBus &m_bus;
@@ -126,13 +138,15 @@ private:
     NoteViewModelList m_noteViewModels;
     NoteViewModelList m_slottedNoteViewModels;
     int m_slottedIndex = 0;
-    NoteViewModelList m_searchResults;
+    SearchResults m_searchResults;
     int m_currentIndex = 0;
     std::optional<QUuid> m_currentNoteId;
     int m_previouslyViewedIndex = 0;
     QList<QUuid> m_deletedNotes;
     Debouncer m_remoteChangeDebouncer;
     QSet<QUuid> m_pendingChangedUUIDs;
+    // The next slice of a search still under way; a new query cancels it.
+    Debouncer m_searchSlices{m_clock, std::chrono::milliseconds(0)};
 
     std::function<QStringList()> m_tutorialTexts;
     std::function<bool()> m_isNavigationBlocked;

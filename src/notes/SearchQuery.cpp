@@ -1,6 +1,8 @@
 #include "notes/SearchQuery.h"
 
-#include <QStringView>
+#include "notes/TextFolding.h"
+
+#include <vector>
 
 namespace scrivlet {
 
@@ -52,6 +54,41 @@ QString SearchQuery::clean(const QString &query)
             kept.append(c);
     }
     return kept.trimmed();
+}
+
+std::optional<TextRange> SearchQuery::locate(QStringView text, QStringView foldedText)
+{
+    if (foldedText.isEmpty())
+        return std::nullopt;
+    // Folding works one character at a time (decomposition, marks dropped, case folded),
+    // so the folded text is the folded characters one after another, and each unit of
+    // it knows the character it came from.
+    QString folded;
+    folded.reserve(text.size());
+    std::vector<qsizetype> origin;
+    origin.reserve(std::size_t(text.size()) + 1);
+    const qsizetype size = text.size();
+    for (qsizetype i = 0; i < size;) {
+        const QChar c = text.at(i);
+        if (c.unicode() < 0x80) {
+            folded.append(c.toLower());
+            origin.push_back(i);
+            ++i;
+            continue;
+        }
+        const qsizetype width = c.isHighSurrogate() && i + 1 < size && text.at(i + 1).isLowSurrogate() ? 2 : 1;
+        const QString piece = TextFolding::fold(text.mid(i, width));
+        folded.append(piece);
+        origin.insert(origin.end(), std::size_t(piece.size()), i);
+        i += width;
+    }
+    origin.push_back(size);
+
+    const qsizetype at = folded.indexOf(foldedText);
+    if (at < 0)
+        return std::nullopt;
+    const qsizetype start = origin[std::size_t(at)];
+    return TextRange{start, origin[std::size_t(at + foldedText.size())] - start};
 }
 
 } // namespace scrivlet

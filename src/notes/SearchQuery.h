@@ -1,6 +1,11 @@
 #pragma once
 
+#include "platform/TextRange.h"
+
 #include <QString>
+#include <QStringView>
+
+#include <optional>
 
 namespace scrivlet {
 
@@ -9,6 +14,12 @@ namespace scrivlet {
 // empty result means "show every note".
 struct SearchQuery {
     static QString clean(const QString &query);
+
+    // Where `foldedText` (a cleaned query, folded by `TextFolding`) first occurs in
+    // `text` when `text` is folded the same way, as a range of `text` itself. Marks that
+    // folding takes off the last character found stay inside the range, so a hit never
+    // ends half-way through an accented letter.
+    static std::optional<TextRange> locate(QStringView text, QStringView foldedText);
 };
 
 } // namespace scrivlet
