@@ -12,6 +12,7 @@ public:
     QVariant value(const QString &key) const override { return m_values.value(key); }
     void setValue(const QString &key, const QVariant &value) override { m_values.insert(key, value); }
     void remove(const QString &key) override { m_values.remove(key); }
+    void clear() override { m_values.clear(); }
     qsizetype size() const { return m_values.size(); }
 
 private:

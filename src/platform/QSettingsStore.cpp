@@ -28,6 +28,11 @@ void QSettingsStore::remove(const QString &key)
     m_settings->remove(key);
 }
 
+void QSettingsStore::clear()
+{
+    m_settings->clear();
+}
+
 void QSettingsStore::sync()
 {
     m_settings->sync();

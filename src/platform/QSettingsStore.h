@@ -21,6 +21,7 @@ public:
     QVariant value(const QString &key) const override;
     void setValue(const QString &key, const QVariant &value) override;
     void remove(const QString &key) override;
+    void clear() override;
     void sync() override;
 
 private:

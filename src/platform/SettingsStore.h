@@ -15,6 +15,9 @@ public:
     virtual QVariant value(const QString &key) const = 0;
     virtual void setValue(const QString &key, const QVariant &value) = 0;
     virtual void remove(const QString &key) = 0;
+    // Removes every key of the application, known to the catalogue or not: a reset
+    // starts from the defaults.
+    virtual void clear() = 0;
     // Writes pending changes out, where the store keeps them anywhere but memory.
     virtual void sync() {}
     bool contains(const QString &key) const { return value(key).isValid(); }

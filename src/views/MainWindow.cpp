@@ -4,6 +4,7 @@
 #include "views/NoteEditorView.h"
 #include "views/NoteTextEdit.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QGuiApplication>
 #include <QScreen>
@@ -28,7 +29,8 @@ std::optional<double> number(const SettingsStore &settings, const QString &key)
 
 MainWindow::MainWindow(const EditorContext &context, SettingsStore &settings, std::shared_ptr<NoteViewModel> note,
                        NoteEditorSession::SaveCallback save)
-    : m_settings(settings), m_editor(new NoteEditorView(context, std::move(note), std::move(save), this))
+    : m_context(context), m_settings(settings),
+      m_editor(new NoteEditorView(context, std::move(note), std::move(save), this))
 {
     setWindowTitle(QStringLiteral("Scrivlet"));
     setObjectName(QStringLiteral("mainWindow"));
@@ -38,6 +40,17 @@ MainWindow::MainWindow(const EditorContext &context, SettingsStore &settings, st
 }
 
 MainWindow::~MainWindow() = default;
+
+void MainWindow::showNote(std::shared_ptr<NoteViewModel> note, NoteEditorSession::SaveCallback save)
+{
+    const bool focused = m_editor->isAncestorOf(QApplication::focusWidget());
+    m_editor->flushPendingSave();
+    // The window owns the old editor and deletes it once the event it came from is done.
+    m_editor = new NoteEditorView(m_context, std::move(note), std::move(save), this);
+    setCentralWidget(m_editor);
+    if (focused)
+        m_editor->setFocus();
+}
 
 void MainWindow::restoreFrame()
 {

@@ -24,6 +24,9 @@ public:
     ~MainWindow() override;
 
     NoteEditorView &editorView() const { return *m_editor; }
+    // Puts another note in the window, or the same note's new holder after the stack
+    // reloaded. The note on screen is saved first; the focus stays in the editor.
+    void showNote(std::shared_ptr<NoteViewModel> note, NoteEditorSession::SaveCallback save);
 
     // The frame is kept in four plain numbers; any of them missing means the default size.
     void restoreFrame();
@@ -35,6 +38,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    EditorContext m_context;
     SettingsStore &m_settings;
     NoteEditorView *m_editor;
 };
