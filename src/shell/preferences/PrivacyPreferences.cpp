@@ -13,6 +13,8 @@ const std::vector<PreferenceDefinition> &PrivacyPreferences::table()
         {QStringLiteral("checkGithubForExtensions"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("queryUrgentAlerts"), PreferenceType::Bool, QVariant(true)},
         {QStringLiteral("enableUpdater"), PreferenceType::Bool, QVariant(true)},
+        // The product's API server, which the rates and notices calls above go to.
+        {QStringLiteral("apiServerAddress"), PreferenceType::String, QVariant(QStringLiteral("https://api.scrivlet.app"))},
     };
     return definitions;
 }

@@ -25,6 +25,10 @@ public:
     void setQueryUrgentAlerts(bool value) { setValue(QStringLiteral("queryUrgentAlerts"), value); }
     bool enableUpdater() const { return boolValue(QStringLiteral("enableUpdater")); }
     void setEnableUpdater(bool value) { setValue(QStringLiteral("enableUpdater"), value); }
+    // The base address of the product's API server ("https://api.scrivlet.app"); the paths
+    // of its calls ("/api/conversionRates") go behind it.
+    QString apiServerAddress() const { return stringValue(QStringLiteral("apiServerAddress")); }
+    void setApiServerAddress(const QString &value) { setValue(QStringLiteral("apiServerAddress"), value); }
 };
 
 } // namespace scrivlet
