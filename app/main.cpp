@@ -1,26 +1,30 @@
 // scrivlet: the desktop scratchpad.
 
+#include "calculation/CurrencyRates.h"
+#include "calculation/UnitConverter.h"
 #include "keywords/KeywordDefinitionsContainer.h"
-#include "keywords/NoteEditorSession.h"
-#include "notes/CoreDataManager.h"
 #include "notes/CoreDataStack.h"
-#include "notes/NoteViewModel.h"
+#include "platform/MemoryAlerts.h"
 #include "platform/NotificationBus.h"
 #include "platform/QSettingsStore.h"
 #include "platform/SystemClock.h"
+#include "platform/network/QtHttpClient.h"
+#include "shell/lifecycle/AppLifecycle.h"
 #include "shell/preferences/KeywordPreferences.h"
+#include "shell/preferences/MathPreferences.h"
 #include "shell/preferences/MiscPreferences.h"
-#include "shell/preferences/NotesPreferences.h"
 #include "shell/preferences/VisualPreferences.h"
-#include "views/MainWindow.h"
+#include "shell/tutorial/ResettingConfigs.h"
+#include "views/MainWindowPresenter.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QMessageBox>
 #include <QSocketNotifier>
-#include <QTimer>
 
 #include <csignal>
+#include <cstdio>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -72,16 +76,43 @@ int main(int argc, char **argv)
                                            QStringLiteral("Keep the notes in <folder> instead of the usual place."),
                                            QStringLiteral("folder"));
     parser.addOption(dataDirOption);
+    const QCommandLineOption resetOption(
+        QStringLiteral("reset-on-start"),
+        QStringLiteral("Put the app back into a first state before it starts: %1. May be repeated.")
+            .arg(ResettingConfigs::switchNames().join(QStringLiteral(", "))),
+        QStringLiteral("switch"));
+    parser.addOption(resetOption);
     parser.process(app);
 
-    QSettingsStore settings;
+    ResettingConfigs resets;
+    for (const QString &name : parser.values(resetOption)) {
+        if (!resets.set(name)) {
+            std::fputs(qPrintable(QStringLiteral("scrivlet: unknown --reset-on-start switch \"%1\"; it is one of: %2.\n")
+                                      .arg(name, ResettingConfigs::switchNames().join(QStringLiteral(", ")))),
+                       stderr);
+            return 2;
+        }
+    }
+
+    // A folder of its own keeps its settings beside the notes, as the command line does,
+    // so trying the app on another folder leaves the user's own settings alone.
+    const bool ownFolder = parser.isSet(dataDirOption);
+    const QString dataDir = ownFolder ? parser.value(dataDirOption) : CoreDataStack::defaultDataDirectory();
+    if (ownFolder)
+        QDir().mkpath(dataDir);
+    std::unique_ptr<QSettingsStore> settingsStore = ownFolder
+        ? std::make_unique<QSettingsStore>(QDir(dataDir).filePath(QStringLiteral("settings.ini")))
+        : std::make_unique<QSettingsStore>();
+    QSettingsStore &settings = *settingsStore;
     NotificationBus bus;
     SystemClock clock;
+    MemoryAlerts alerts;
+
+    // Before the store opens: a clean install removes its files.
+    resets.applyAtStart(settings, dataDir);
 
     // The store opens before anything shows: without it there is nothing to show, and
     // a store that can't be opened stops here with its reason, untouched.
-    const QString dataDir =
-        parser.isSet(dataDirOption) ? parser.value(dataDirOption) : CoreDataStack::defaultDataDirectory();
     auto opened = CoreDataStack::open(dataDir);
     if (!opened) {
         // Someone who started the app from a menu never sees the terminal: say it in a
@@ -93,40 +124,41 @@ int main(int argc, char **argv)
         CoreDataStack::failFatally(opened.error());
     }
     std::unique_ptr<CoreDataStack> stack = std::move(opened).value();
-    CoreDataManager store(*stack, settings, clock);
-    store.migrateToSparseIndex();
-    if (NotesPreferences(settings).syncWithICloud()) {
-        QTimer::singleShot(0, &app, [&] {
-            if (store.positionUnplacedNotes() > 0)
-                bus.post(QStringLiteral("refetchNotes"));
-        });
-    }
 
     KeywordPreferences keywordPreferences(settings, &bus);
     KeywordDefinitionsContainer keywords(keywordPreferences);
     VisualPreferences visualPreferences(settings);
     MiscPreferences miscPreferences(settings);
-    const EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock};
+    MathPreferences mathPreferences(settings);
+    QtHttpClient http;
+    CurrencyRates rates(settings, clock, bus, &http);
+    UnitConverter converter(settings, rates);
+    const EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock, &mathPreferences, &converter};
+    // Math notes open before the day's rates are in; once they are, open notes convert
+    // anew with them.
+    rates.updateCurrencyRates([&bus] { bus.post(QStringLiteral("mathPreferencesChanged")); });
 
-    const std::vector<Note> latest = store.fetchLatest(1, false);
-    auto note = std::make_shared<NoteViewModel>(latest.empty() ? store.createNote() : latest.back());
-    NoteViewModelList openNotes{note};
+    MainWindowPresenter windows(context, settings);
+    AppLifecycle lifecycle(*stack, settings, bus, clock, alerts, &windows);
+    windows.setContent([&lifecycle]() -> CoreDataNotesManager & { return lifecycle.notesManager(); },
+                       lifecycle.store());
+    lifecycle.start();
 
-    MainWindow window(context, settings, note,
-                      [&](const Note &edited) { store.saveFromEditor(edited, &openNotes, nullptr); });
-    window.show();
-
-    // Leaving the app saves at once rather than after the pause, and so does quitting.
-    QObject::connect(&app, &QGuiApplication::applicationStateChanged, &window, [&](Qt::ApplicationState state) {
-        if (state != Qt::ApplicationActive) {
-            window.flushPendingSave();
-            window.saveFrame();
+    // Leaving the app saves the open note at once rather than after the pause; coming
+    // back may start a fresh one.
+    bool active = false;
+    QObject::connect(&app, &QGuiApplication::applicationStateChanged, &app, [&](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive && !active) {
+            active = true;
+            lifecycle.activate();
+        } else if (state != Qt::ApplicationActive && active) {
+            active = false;
+            lifecycle.resign();
         }
     });
-    QObject::connect(&app, &QCoreApplication::aboutToQuit, &window, [&] {
-        window.saveFrame();
-        window.flushPendingSave();
-        store.save();
+    QObject::connect(&app, &QCoreApplication::aboutToQuit, &app, [&] {
+        lifecycle.quit();
+        settings.sync();
     });
     quitOnTermination(app);
     return QApplication::exec();

@@ -3,7 +3,9 @@
 namespace scrivlet {
 
 class Clock;
+class ConversionService;
 class KeywordDefinitionsContainer;
+class MathPreferences;
 class MiscPreferences;
 class NotificationBus;
 class VisualPreferences;
@@ -16,6 +18,10 @@ struct EditorContext {
     MiscPreferences &miscPreferences;
     NotificationBus &bus;
     Clock &clock;
+    // Decimals and grouping of math results; without them, two decimals with grouping.
+    const MathPreferences *mathPreferences = nullptr;
+    // Unit and currency conversion on math lines; without it no line converts.
+    const ConversionService *conversionService = nullptr;
 };
 
 } // namespace scrivlet

@@ -13,6 +13,7 @@ NoteEditorSession::NoteEditorSession(TextStorage &storage, NoteViewModel &noteVi
       m_save(std::move(save)),
       m_pipeline(context, m_edit,
                  editorId.isEmpty() ? QUuid::createUuid().toString(QUuid::WithoutBraces) : std::move(editorId)),
+      m_mathPass(m_pipeline, context),
       m_saveDebouncer(context.clock, kSaveDelay)
 {
     m_storage.setDelegate(this);
@@ -37,12 +38,16 @@ void NoteEditorSession::open()
 {
     TextStorageDelegate *delegate = m_storage.delegate();
     m_storage.setDelegate(nullptr);
+    // One batch from the new text to the last mark of the first run: an editor that
+    // lays out its text after each batch does so once, not twice.
+    m_storage.beginEditing();
     const TextAttributes defaults = m_pipeline.defaultAttributes().plain();
     m_storage.setText(m_noteViewModel.note().content, defaults);
     m_storage.setTypingAttributes(defaults);
-    m_storage.setDelegate(delegate);
     m_edit.isContentLoaded = true;
     runPipeline(true);
+    m_storage.endEditing();
+    m_storage.setDelegate(delegate);
 }
 
 void NoteEditorSession::willChangeText(const TextRange &range, const QString &replacement, UserActionType action)
@@ -76,10 +81,12 @@ void NoteEditorSession::reStyleAndProcessNote()
     const TextRange selection = m_storage.selectedRange();
     TextStorageDelegate *delegate = m_storage.delegate();
     m_storage.setDelegate(nullptr);
+    m_storage.beginEditing();
     m_storage.setText(m_noteViewModel.note().content, m_pipeline.defaultAttributes().plain());
     m_storage.setSelectedRange(selection);
-    m_storage.setDelegate(delegate);
     runPipeline(true);
+    m_storage.endEditing();
+    m_storage.setDelegate(delegate);
 }
 
 void NoteEditorSession::runPipeline(bool forceFull)

@@ -3,6 +3,7 @@
 #include "keywords/EditRecord.h"
 #include "keywords/EditorContext.h"
 #include "keywords/KeywordID.h"
+#include "keywords/MathNotePass.h"
 #include "keywords/TextChangePipeline.h"
 #include "platform/Debouncer.h"
 #include "platform/NotificationBus.h"
@@ -57,6 +58,8 @@ public:
     NoteViewModel &noteViewModel() const { return m_noteViewModel; }
     TextChangePipeline &pipeline() { return m_pipeline; }
     TextPasses &passes() { return m_pipeline.passes(); }
+    // The calculation of math notes in this editor, and its variables.
+    ProcessMath &processMath() { return m_mathPass.processMath(); }
     const EditRecord &editRecord() const { return m_edit; }
     const QString &editorId() const { return m_pipeline.editorId(); }
 
@@ -77,6 +80,7 @@ private:
     SaveCallback m_save;
     EditRecord m_edit;
     TextChangePipeline m_pipeline;
+    MathNotePass m_mathPass;
     std::optional<KeywordID> m_activeKeyword;
     bool m_isList = false;
     bool m_forceProcessing = false;

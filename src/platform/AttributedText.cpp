@@ -64,6 +64,30 @@ void AttributedText::coalesce()
     m_runs = std::move(merged);
 }
 
+void AttributedText::coalesceAround(std::size_t from, std::size_t to)
+{
+    // Runs that start at the end of the text only arise there; the whole pass knows them.
+    if (m_runs.empty() || m_runs.back().start >= m_text.size()) {
+        coalesce();
+        return;
+    }
+    std::size_t kept = from > 0 ? from - 1 : 0;
+    const std::size_t end = std::min(to + 1, m_runs.size());
+    for (std::size_t read = kept + 1; read < end; ++read) {
+        Run &run = m_runs[read];
+        if (run.start == m_runs[kept].start) {
+            m_runs[kept].attributes = std::move(run.attributes);
+            continue;
+        }
+        if (m_runs[kept].attributes == run.attributes)
+            continue;
+        if (++kept != read)
+            m_runs[kept] = std::move(run);
+    }
+    m_runs.erase(m_runs.begin() + std::ptrdiff_t(kept + 1), m_runs.begin() + std::ptrdiff_t(end));
+    m_runs.front().start = 0;
+}
+
 template<typename Change>
 void AttributedText::changeRuns(const TextRange &range, Change change)
 {
@@ -74,7 +98,7 @@ void AttributedText::changeRuns(const TextRange &range, Change change)
     const std::size_t last = splitAt(r.end());
     for (std::size_t i = first; i < last; ++i)
         change(m_runs[i].attributes);
-    coalesce();
+    coalesceAround(first, last);
 }
 
 TextAttributes AttributedText::attributesAt(qsizetype index, TextRange *effectiveRange) const
@@ -132,7 +156,7 @@ void AttributedText::replaceCharacters(const TextRange &range, const QString &te
         m_runs.insert(m_runs.begin() + std::ptrdiff_t(first), Run{r.location, attributes});
 
     m_text.replace(r.location, r.length, text);
-    coalesce();
+    coalesceAround(first, first + 1);
 
     if (m_selection.location >= r.end())
         m_selection.location += delta;

@@ -61,6 +61,10 @@ private:
     template<typename Change>
     void changeRuns(const TextRange &range, Change change);
     void coalesce();
+    // The same for the runs with indexes in [from, to) and their neighbours: an edit
+    // leaves the runs away from it as they were, so a note with many runs doesn't pay
+    // for all of them on each change.
+    void coalesceAround(std::size_t from, std::size_t to);
 
     QString m_text;
     std::vector<Run> m_runs; // sorted by start; the first starts at 0; never empty

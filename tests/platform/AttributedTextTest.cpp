@@ -120,3 +120,49 @@ TEST(AttributedText, TypingTellsTheDelegateAndMovesTheCaret)
     text.replaceCharacters({0, 0}, QStringLiteral("-"), {});
     EXPECT_EQ(recorder.seen.size(), 2);
 }
+
+// Runs are kept merged around each change only; after any mix of changes the text must
+// still read as a character-by-character model of it does, in as few runs as can be.
+TEST(AttributedText, RandomEditsKeepRunsMergedAndRight)
+{
+    const QStringList roles{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")};
+    AttributedText text(QStringLiteral("0123456789"), colored(roles[0]));
+    QString modelText = text.text();
+    std::vector<QString> model(std::size_t(modelText.size()), roles[0]);
+    unsigned seed = 12345;
+    const auto next = [&](unsigned bound) {
+        seed = seed * 1103515245u + 12345u;
+        return (seed >> 8) % bound;
+    };
+    for (int step = 0; step < 3000; ++step) {
+        const qsizetype size = modelText.size();
+        const qsizetype from = size ? qsizetype(next(unsigned(size) + 1)) : 0;
+        const qsizetype length = qsizetype(next(unsigned(size - from) + 1));
+        const QString role = roles[qsizetype(next(3))];
+        switch (next(3)) {
+        case 0:
+            text.addAttributes({from, length}, colored(role));
+            std::fill_n(model.begin() + from, length, role);
+            break;
+        case 1:
+            text.setAttributes({from, length}, colored(role));
+            std::fill_n(model.begin() + from, length, role);
+            break;
+        default: {
+            const QString inserted = QString(qsizetype(next(4)), QChar(u'x'));
+            text.replaceCharacters({from, std::min<qsizetype>(length, 3)}, inserted, colored(role));
+            modelText.replace(from, std::min<qsizetype>(length, 3), inserted);
+            model.erase(model.begin() + from, model.begin() + from + std::min<qsizetype>(length, 3));
+            model.insert(model.begin() + from, std::size_t(inserted.size()), role);
+            break;
+        }
+        }
+        ASSERT_EQ(text.text(), modelText);
+        int expectedRuns = 1;
+        for (std::size_t i = 1; i < model.size(); ++i)
+            expectedRuns += model[i] != model[i - 1];
+        ASSERT_EQ(text.runCount(), expectedRuns) << "step " << step;
+        for (qsizetype i = 0; i < modelText.size(); ++i)
+            ASSERT_EQ(text.attributesAt(i).foreground, model[std::size_t(i)]) << "step " << step << " at " << i;
+    }
+}

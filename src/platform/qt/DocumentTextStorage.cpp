@@ -227,22 +227,32 @@ void DocumentTextStorage::changeRuns(const TextRange &range, Change change)
     const TextRange r = clamp(range);
     if (r.isEmpty())
         return;
-    std::vector<std::pair<TextRange, TextAttributes>> runs;
+    struct Changed {
+        TextRange run;
+        TextAttributes attributes;
+        bool paragraphChanged;
+    };
+    std::vector<Changed> runs;
     enumerateRuns(r, [&](const TextRange &run, const TextAttributes &attributes) {
         TextAttributes changed = attributes;
         change(changed);
-        if (!(changed == attributes))
-            runs.emplace_back(run, std::move(changed));
+        if (!(changed == attributes)) {
+            const bool paragraphChanged = changed.paragraph != attributes.paragraph;
+            runs.push_back({run, std::move(changed), paragraphChanged});
+        }
     });
     if (runs.empty())
         return;
     QTextCursor cursor(m_document);
     cursor.beginEditBlock();
-    for (const auto &[run, attributes] : runs) {
-        cursor.setPosition(int(run.location));
-        cursor.setPosition(int(run.end()), QTextCursor::KeepAnchor);
-        cursor.setCharFormat(charFormat(attributes));
-        applyParagraph(run, attributes);
+    for (const Changed &changed : runs) {
+        cursor.setPosition(int(changed.run.location));
+        cursor.setPosition(int(changed.run.end()), QTextCursor::KeepAnchor);
+        cursor.setCharFormat(charFormat(changed.attributes));
+        // A colour or a mark leaves the paragraph as it is; setting it again anyway
+        // would have the whole paragraph laid out anew.
+        if (changed.paragraphChanged)
+            applyParagraph(changed.run, changed.attributes);
     }
     cursor.endEditBlock();
 }
@@ -271,6 +281,8 @@ void DocumentTextStorage::replaceCharacters(const TextRange &range, const QStrin
     cursor.setPosition(int(r.end()), QTextCursor::KeepAnchor);
     cursor.insertText(text, charFormat(attributes));
     applyParagraph({r.location, text.size()}, attributes);
+    // Within a batch the document tells of its changes only when the batch ends.
+    m_cacheValid = false;
 }
 
 void DocumentTextStorage::setText(const QString &text, const TextAttributes &attributes)
@@ -281,19 +293,25 @@ void DocumentTextStorage::setText(const QString &text, const TextAttributes &att
     cursor.select(QTextCursor::Document);
     cursor.insertText(text, charFormat(attributes));
     cursor.endEditBlock();
+    m_cacheValid = false;
     applyParagraph({0, length()}, attributes);
     setSelectedRange(selection);
 }
 
 void DocumentTextStorage::beginEditing()
 {
-    ++m_editingDepth;
+    if (m_editingDepth++ == 0) {
+        m_batch = std::make_unique<QTextCursor>(m_document);
+        m_batch->beginEditBlock();
+    }
 }
 
 void DocumentTextStorage::endEditing()
 {
-    if (m_editingDepth > 0)
-        --m_editingDepth;
+    if (m_editingDepth > 0 && --m_editingDepth == 0 && m_batch) {
+        m_batch->endEditBlock();
+        m_batch.reset();
+    }
 }
 
 void DocumentTextStorage::setTypingAttributes(const TextAttributes &attributes)

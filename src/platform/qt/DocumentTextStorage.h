@@ -6,9 +6,11 @@
 #include <QObject>
 
 #include <functional>
+#include <memory>
 
 class QColor;
 class QTextCharFormat;
+class QTextCursor;
 class QTextDocument;
 class QTextEdit;
 
@@ -71,6 +73,9 @@ private:
     TextStorageDelegate *m_delegate = nullptr;
     TextAttributes m_typingAttributes;
     int m_editingDepth = 0;
+    // Holds the document's edit block open while a batch lasts, so that the document is
+    // laid out once when the batch ends rather than after each change within it.
+    std::unique_ptr<QTextCursor> m_batch;
     bool m_redrawQueued = false;
     mutable QString m_cachedText;
     mutable bool m_cacheValid = false;
