@@ -17,8 +17,15 @@ struct CliOptions {
     bool help = false;
     QString locale;     // --locale NAME: the number format; empty for the system's
     bool raw = false;   // eval --raw: the expression goes to the parser as typed
-    QString expression; // eval's EXPR
+    QString expression; // eval's EXPR, convert's TEXT
+    QString ratesFile;  // --rates FILE: the currency rates of process and convert
+    QString dataDir;      // --data-dir DIR: the folder of the store the data verbs work on
+    bool json = false;    // --json: lists as JSON for scripts
+    QStringList arguments; // the words after a data verb ("list", an id, a note's text)
 };
+
+// The verbs that work on the notes of a data folder.
+bool isDataVerb(const QString &verb);
 
 struct CliError {
     QString message;

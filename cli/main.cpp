@@ -1,6 +1,9 @@
 // scrivlet-cli: Scrivlet's note engine without a window.
 
 #include "CliOptions.h"
+#include "ConversionSetup.h"
+#include "ConvertCommand.h"
+#include "DataDirCommand.h"
 #include "EvalCommand.h"
 
 #include "calculation/NumberLocale.h"
@@ -13,6 +16,7 @@
 #include "platform/MemorySettingsStore.h"
 #include "platform/NotificationBus.h"
 #include "shell/preferences/KeywordPreferences.h"
+#include "shell/preferences/MathPreferences.h"
 #include "shell/preferences/MiscPreferences.h"
 #include "shell/preferences/PreferencesCatalogue.h"
 #include "shell/preferences/VisualPreferences.h"
@@ -59,7 +63,13 @@ int process(const cli::CliOptions &options)
     KeywordDefinitionsContainer keywords(keywordPreferences);
     VisualPreferences visualPreferences(settings);
     MiscPreferences miscPreferences(settings);
-    const EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock};
+    MathPreferences mathPreferences(settings);
+    // No rate update runs here: currencies convert with the table given by --rates.
+    cli::ConversionSetup conversion(settings, clock, bus);
+    if (const auto problem = conversion.loadRates(options.ratesFile))
+        return fail(*problem);
+    const EditorContext context{keywords, visualPreferences, miscPreferences,
+                                bus,      clock,             &mathPreferences, &conversion.converter()};
 
     Note note;
     note.id = QUuid::createUuid();
@@ -99,5 +109,9 @@ int main(int argc, char **argv)
         NumberLocale::setCurrent(*NumberLocale::fromName(options.locale));
     if (options.verb == u"eval")
         return cli::EvalCommand::run(options, stdout, stderr);
+    if (options.verb == u"convert")
+        return cli::ConvertCommand::run(options, stdout, stderr);
+    if (cli::isDataVerb(options.verb))
+        return cli::DataDirCommand(options, stdin, stdout, stderr).run();
     return process(options);
 }
