@@ -110,12 +110,19 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
             visit(pending, pendingAttributes);
         havePending = false;
     };
-    for (QTextBlock block = m_document->findBlock(int(r.location)); block.isValid() && block.position() < r.end();
-         block = block.next()) {
+    // Positions are counted along the walk: asking the document for a block's or a
+    // fragment's position costs a tree search each time, which on a long note was most of
+    // a whole-note pass.
+    QTextBlock block = m_document->findBlock(int(r.location));
+    qsizetype blockPosition = block.isValid() ? block.position() : 0;
+    while (block.isValid() && blockPosition < r.end()) {
+        qsizetype fragmentPosition = blockPosition;
         for (auto it = block.begin(); !it.atEnd(); ++it) {
             const QTextFragment fragment = it.fragment();
-            const qsizetype from = std::max<qsizetype>(fragment.position(), r.location);
-            const qsizetype to = std::min<qsizetype>(fragment.position() + fragment.length(), r.end());
+            const qsizetype fragmentEnd = fragmentPosition + fragment.length();
+            const qsizetype from = std::max<qsizetype>(fragmentPosition, r.location);
+            const qsizetype to = std::min<qsizetype>(fragmentEnd, r.end());
+            fragmentPosition = fragmentEnd;
             if (to <= from)
                 continue;
             const TextAttributes &attributes = attributesOfFormat(fragment.charFormatIndex());
@@ -130,9 +137,10 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
         }
         // The line feed between two paragraphs carries the character format of the
         // paragraph it opens.
-        const qsizetype separator = block.position() + block.length() - 1;
-        if (block.next().isValid() && separator >= r.location && separator < r.end()) {
-            const TextAttributes &attributes = attributesOfFormat(block.next().charFormatIndex());
+        const qsizetype separator = blockPosition + block.length() - 1;
+        const QTextBlock next = block.next();
+        if (next.isValid() && separator >= r.location && separator < r.end()) {
+            const TextAttributes &attributes = attributesOfFormat(next.charFormatIndex());
             if (havePending && pending.end() == separator && pendingAttributes == attributes) {
                 pending.length += 1;
             } else {
@@ -142,6 +150,8 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
                 havePending = true;
             }
         }
+        blockPosition += block.length();
+        block = next;
     }
     flush();
 }
