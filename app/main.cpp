@@ -101,7 +101,7 @@ int main(int argc, char **argv)
     if (ownFolder)
         QDir().mkpath(dataDir);
     std::unique_ptr<QSettingsStore> settingsStore = ownFolder
-        ? std::make_unique<QSettingsStore>(QDir(dataDir).filePath(QStringLiteral("settings.ini")))
+        ? std::make_unique<QSettingsStore>(CoreDataStack::folderSettingsPath(dataDir))
         : std::make_unique<QSettingsStore>();
     QSettingsStore &settings = *settingsStore;
     NotificationBus bus;

@@ -25,7 +25,7 @@ Result<std::unique_ptr<DataFolder>, QString> DataFolder::open(const QString &pat
 }
 
 DataFolder::DataFolder(QString path, std::unique_ptr<CoreDataStack> stack)
-    : m_path(std::move(path)), m_settings(QDir(m_path).filePath(QString::fromLatin1(kSettingsFileName))),
+    : m_path(std::move(path)), m_settings(CoreDataStack::folderSettingsPath(m_path)),
       m_stack(std::move(stack))
 {
     m_lifecycle = std::make_unique<AppLifecycle>(*m_stack, m_settings, m_bus, m_clock, m_alerts, nullptr);

@@ -31,8 +31,6 @@ class DataFolder final {
     Q_DISABLE_COPY_MOVE(DataFolder)
 
 public:
-    static constexpr const char *kSettingsFileName = "settings.ini";
-
     // Creates the folder if needed and opens its store. The error is a sentence for
     // the user naming the folder and the reason.
     static Result<std::unique_ptr<DataFolder>, QString> open(const QString &path);

@@ -142,6 +142,11 @@ QString CoreDataStack::storePath(const QString &dataDirectory)
     return QDir(dataDirectory).filePath(QString::fromLatin1(kStoreFileName));
 }
 
+QString CoreDataStack::folderSettingsPath(const QString &dataDirectory)
+{
+    return QDir(dataDirectory).filePath(QStringLiteral("settings.ini"));
+}
+
 Result<std::unique_ptr<CoreDataStack>, StoreError> CoreDataStack::open(const QString &dataDirectory)
 {
     using OpenResult = Result<std::unique_ptr<CoreDataStack>, StoreError>;

@@ -22,6 +22,10 @@ public:
     // The app's data directory for the store (its application-support folder).
     static QString defaultDataDirectory();
     static QString storePath(const QString &dataDirectory);
+    // The settings of a data folder chosen on the command line (the app's `--data-dir`
+    // and the command line's verbs), kept beside its store so that trying another
+    // folder never reads or changes the user's own settings.
+    static QString folderSettingsPath(const QString &dataDirectory);
 
     // Creates `dataDirectory` if needed (a failure there is only logged), then opens
     // the store file in it. A file that can't be read as a store is never changed.
