@@ -96,10 +96,12 @@ TextAttributes markAttributes(const QString &subtag, const QString &color)
     return attributes;
 }
 
-// What a run looks like once its math mark is gone: the mark's looks come off with it.
-TextAttributes withoutMathMark(TextAttributes attributes, const TextAttributes &defaults)
+// What a run looks like once its mark is gone: the mark's looks come off with it. A
+// run changed by the math pass loses any mark, the math one or one laid over it (a
+// markdown style), which is laid again after the pass.
+TextAttributes withoutMark(TextAttributes attributes, const TextAttributes &defaults)
 {
-    if (!attributes.custom || attributes.custom->tag != ProcessMath::markTag())
+    if (!attributes.custom)
         return attributes;
     const CustomAttribute mark = *attributes.custom;
     attributes.custom.reset();
@@ -182,6 +184,7 @@ void ProcessMath::processAllMath(TextStorage &storage, const MathEdit &edit)
         m_mathManager.clearAll();
     }
     keepOrForgetOutcomes(!editLine, lines.size());
+    m_lineRestyled.assign(lines.size(), false);
     {
         // Each line is a batch of its own; around them all one more, so that an editor
         // that lays out its text after a batch does so once for the whole pass.
@@ -200,6 +203,13 @@ void ProcessMath::processAllMath(TextStorage &storage, const MathEdit &edit)
         }
     }
 
+    m_restyledLines.clear();
+    qsizetype start = 0;
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (m_lineRestyled[i] && i != editLine)
+            m_restyledLines.push_back({start, lengths[i]});
+        start += lengths[i] + lines[i].breakSize;
+    }
     postDuplicatesPill();
 }
 
@@ -268,7 +278,7 @@ qsizetype ProcessMath::processMathLine(int lineIndex, const QString &lineText, i
     // calculated before the last keystroke: no result colour, and no result that the
     // caret can't enter.
     const auto leaveAlone = [&] {
-        layMarks(storage, lineStart, unchanged, {});
+        noteRestyled(lineIndex, layMarks(storage, lineStart, unchanged, {}));
         return unchanged;
     };
     // The first line is the keyword; a comment counts for nothing, and what it defined
@@ -368,7 +378,7 @@ qsizetype ProcessMath::processMathLine(int lineIndex, const QString &lineText, i
         }
     }
 
-    layMarks(storage, lineStart, line.size(), marksFor(line, lineNumber));
+    noteRestyled(lineIndex, layMarks(storage, lineStart, line.size(), marksFor(line, lineNumber)));
     return line.size();
 }
 
@@ -450,11 +460,11 @@ std::vector<ProcessMath::Mark> ProcessMath::marksFor(const QString &line, int li
 // Takes the old math marks off the line and lays the new ones. Most lines look the same
 // after every keystroke, so the outcome is worked out first and only the runs that come
 // out different are written.
-void ProcessMath::layMarks(TextStorage &storage, qsizetype lineStart, qsizetype lineLength,
+bool ProcessMath::layMarks(TextStorage &storage, qsizetype lineStart, qsizetype lineLength,
                            const std::vector<Mark> &marks)
 {
     if (lineLength == 0)
-        return;
+        return false;
     struct Piece {
         TextRange range;
         TextAttributes attributes;
@@ -464,7 +474,7 @@ void ProcessMath::layMarks(TextStorage &storage, qsizetype lineStart, qsizetype 
         current.push_back({run, attributes});
     });
     if (current.empty())
-        return;
+        return false;
 
     std::vector<qsizetype> cuts;
     cuts.reserve(current.size() + 2 * marks.size() + 1);
@@ -504,7 +514,7 @@ void ProcessMath::layMarks(TextStorage &storage, qsizetype lineStart, qsizetype 
                                     : !(before.custom && before.custom->tag == markTag());
         if (unchanged)
             continue;
-        TextAttributes after = withoutMathMark(before, m_settings.defaults);
+        TextAttributes after = withoutMark(before, m_settings.defaults);
         if (look)
             after.merge(*look);
         const TextRange piece{cuts[i], cuts[i + 1] - cuts[i]};
@@ -517,6 +527,14 @@ void ProcessMath::layMarks(TextStorage &storage, qsizetype lineStart, qsizetype 
         storage.setAttributes(change.range, change.attributes);
         storage.invalidateDisplay(change.range);
     }
+    return !changes.empty();
+}
+
+void ProcessMath::noteRestyled(int lineIndex, bool restyled)
+{
+    // A line worked out on its own, outside a pass over the note, has nothing to report to.
+    if (restyled && std::size_t(lineIndex) < m_lineRestyled.size())
+        m_lineRestyled[std::size_t(lineIndex)] = true;
 }
 
 } // namespace scrivlet

@@ -75,6 +75,11 @@ public:
     // carries the pill's unchanging first words as its "message".
     void processAllMath(TextStorage &storage, const MathEdit &edit);
 
+    // The lines whose marks the last pass rewrote, other than the edited line, as they
+    // stand after it. The styling laid over math (markdown) is laid there again, so a
+    // keystroke leaves the note looking as a full pass would.
+    const std::vector<TextRange> &restyledLines() const { return m_restyledLines; }
+
     // One line of the note, whose text starts at `lineStart` in the storage. Returns
     // the length of the line's text afterwards.
     qsizetype processMathLine(int lineIndex, const QString &lineText, int lineNumber, TextStorage &storage,
@@ -105,7 +110,9 @@ private:
     Outcome work(const QString &substituted, bool isDefinition) const;
     void keepOrForgetOutcomes(bool wholeNote, std::size_t lineCount);
     std::vector<Mark> marksFor(const QString &line, int lineNumber) const;
-    void layMarks(TextStorage &storage, qsizetype lineStart, qsizetype lineLength, const std::vector<Mark> &marks);
+    // Returns whether any run changed.
+    bool layMarks(TextStorage &storage, qsizetype lineStart, qsizetype lineLength, const std::vector<Mark> &marks);
+    void noteRestyled(int lineIndex, bool restyled);
     void postDuplicatesPill() const;
 
     const MathPreferences *m_preferences;
@@ -116,6 +123,9 @@ private:
     Settings m_settings;
     // What each variable's value reads as where it is used, for the pass under way.
     QHash<QString, QString> m_substitutions;
+    std::vector<TextRange> m_restyledLines;
+    // Per line of the pass under way: whether its marks were rewritten.
+    std::vector<bool> m_lineRestyled;
     // Outcomes by expression, of calculations (0) and of definitions (1). A keystroke
     // changes one line; the others come to what they came to before, which is looked up
     // instead of worked out again. Kept from one keystroke to the next, and dropped by

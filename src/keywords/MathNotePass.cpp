@@ -12,6 +12,8 @@ MathNotePass::MathNotePass(TextChangePipeline &pipeline, const EditorContext &co
 {
     pipeline.passes().processAllMath = [this](const TextPassInput &input) {
         m_processMath.processAllMath(input.storage, mathEdit(input));
+        if (input.restyledLines)
+            *input.restyledLines = m_processMath.restyledLines();
     };
 }
 

@@ -14,6 +14,8 @@ NoteEditorSession::NoteEditorSession(TextStorage &storage, NoteViewModel &noteVi
       m_pipeline(context, m_edit,
                  editorId.isEmpty() ? QUuid::createUuid().toString(QUuid::WithoutBraces) : std::move(editorId)),
       m_mathPass(m_pipeline, context),
+      m_totalsPass(m_pipeline, context),
+      m_markdown(m_pipeline),
       m_saveDebouncer(context.clock, kSaveDelay)
 {
     m_storage.setDelegate(this);
@@ -84,6 +86,8 @@ void NoteEditorSession::reStyleAndProcessNote()
     m_storage.beginEditing();
     m_storage.setText(m_noteViewModel.note().content, m_pipeline.defaultAttributes().plain());
     m_storage.setSelectedRange(selection);
+    // A restyle is no keystroke, whatever the last edit was: the whole note is styled anew.
+    m_edit.lastModificationAction.reset();
     runPipeline(true);
     m_storage.endEditing();
     m_storage.setDelegate(delegate);

@@ -3,8 +3,10 @@
 #include "keywords/EditRecord.h"
 #include "keywords/EditorContext.h"
 #include "keywords/KeywordID.h"
+#include "keywords/MarkdownStyler.h"
 #include "keywords/MathNotePass.h"
 #include "keywords/TextChangePipeline.h"
+#include "keywords/TotalsPass.h"
 #include "platform/Debouncer.h"
 #include "platform/NotificationBus.h"
 #include "platform/TextStorage.h"
@@ -81,6 +83,8 @@ private:
     EditRecord m_edit;
     TextChangePipeline m_pipeline;
     MathNotePass m_mathPass;
+    TotalsPass m_totalsPass;
+    MarkdownStyler m_markdown;
     std::optional<KeywordID> m_activeKeyword;
     bool m_isList = false;
     bool m_forceProcessing = false;

@@ -6,6 +6,15 @@
 
 namespace scrivlet {
 
+void addStyle(TextStorage &storage, const TextRange &range, const CustomAttribute &mark)
+{
+    if (range.isEmpty())
+        return;
+    TextAttributes attributes;
+    attributes.custom = mark;
+    storage.addAttributes(range, attributes);
+}
+
 void removeStyles(TextStorage &storage, const TextRange &range, const QString &tag, const TextAttributes &defaults,
                   const std::optional<QString> &subtag)
 {
@@ -19,7 +28,10 @@ void removeStyles(TextStorage &storage, const TextRange &range, const QString &t
             marked.push_back({run, attributes});
     });
 
-    for (const Marked &run : marked) {
+    // From the end backwards: a run given back its plain look joins the plain text after
+    // it, so each change touches only its neighbours, not every run that follows.
+    for (auto it = marked.rbegin(); it != marked.rend(); ++it) {
+        const Marked &run = *it;
         const CustomAttribute &mark = *run.attributes.custom;
         TextAttributes restored = run.attributes;
         restored.custom.reset();

@@ -195,7 +195,8 @@ void TextChangePipeline::processTextChange(TextStorage *storage, NoteViewModel &
     const QStringView currentLine = QStringView(text).mid(currentLineRange.location, currentLineRange.length);
     const bool lineOnly = isLineOnlyEdit(m_edit, currentLine, keyword);
     const DefaultTextAttributes defaults = defaultAttributes();
-    const TextPassInput input{*storage, noteViewModel, m_edit, lineOnly, forceFull};
+    std::vector<TextRange> restyledLines;
+    const TextPassInput input{*storage, noteViewModel, m_edit, lineOnly, forceFull, &restyledLines};
 
     if (!valid) {
         if (activeKeyword) {
@@ -367,6 +368,10 @@ void TextChangePipeline::applyStyling(const TextPassInput &input, std::optional<
         storage.addAttributes(run, emoji);
 
     removeStyles(storage, scope, QStringLiteral("markdown"), defaults.plain());
+    if (input.lineOnly && input.restyledLines) {
+        for (const TextRange &line : *input.restyledLines)
+            removeStyles(storage, line, QStringLiteral("markdown"), defaults.plain());
+    }
 
     if (activeKeyword == KeywordID::CODE) {
         if (m_passes.codeHighlighting) {

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "keywords/EditRecord.h"
+#include "platform/TextRange.h"
 
 #include <QString>
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace scrivlet {
 
@@ -21,6 +23,9 @@ struct TextPassInput {
     bool lineOnly = false;
     // A full re-process: the note was opened, or a preference or theme changed.
     bool forceFull = false;
+    // Lines besides the caret's whose marks a pass rewrote in this run (math marks a
+    // variable's uses all over the note); the styling laid over it covers them too.
+    std::vector<TextRange> *restyledLines = nullptr;
 };
 
 // The passes that the pipeline runs for the kinds of notes, each called from one place

@@ -18,6 +18,8 @@ struct CustomAttribute {
     std::optional<int> underlineStyle;
     std::optional<int> strikethroughStyle;
     std::optional<QString> underlineColor;
+    // Text drawn larger than the note's font by this factor, as headings are.
+    std::optional<double> fontScale;
 
     friend bool operator==(const CustomAttribute &, const CustomAttribute &) = default;
 };

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+#include <utility>
+
 namespace scrivlet {
 
 namespace {
@@ -38,6 +40,14 @@ constexpr ThemeData kThemes[] = {
       "#5A4A7A", "#E0AF68", "#6E5634", "#22232F", "#2A2B39", "#363849"}},
 };
 
+// Roles that the text styling names for its markers, drawn in one of the theme's own
+// colours: the markers stay readable but recede behind the text they style.
+constexpr std::pair<const char *, const char *> kDerivedRoles[] = {
+    {"markerColor", "typeLight"},
+    {"inlineCodeMarkerColor", "accent3Secondary"},
+    {"codeBlockMarkerColor", "accent2Secondary"},
+};
+
 } // namespace
 
 ThemePalette ThemePalette::builtIn(const QString &name)
@@ -65,7 +75,14 @@ QStringList ThemePalette::builtInNames()
 
 QColor ThemePalette::color(const QString &role) const
 {
-    return m_colors.value(role, m_colors.value(QStringLiteral("typeMain")));
+    const auto found = m_colors.constFind(role);
+    if (found != m_colors.constEnd())
+        return *found;
+    for (const auto &[derived, base] : kDerivedRoles) {
+        if (role == QLatin1String(derived))
+            return m_colors.value(QString::fromLatin1(base));
+    }
+    return m_colors.value(QStringLiteral("typeMain"));
 }
 
 } // namespace scrivlet

@@ -23,6 +23,8 @@ protected:
             storage, *noteViewModel, env.context, [this](const Note &saved) { saves.push_back(saved.content); },
             QStringLiteral("main"));
         session->passes().applyMarkdown = [this](const TextPassInput &) { ++pipelineRuns; };
+        // The session is under test, not the totals: the note keeps its text as typed.
+        session->passes().sum = {};
         session->open();
         pipelineRuns = 0;
     }
