@@ -113,7 +113,7 @@ std::variant<CliOptions, CliError> parseCommandLine(const QStringList &arguments
     } else if (!options.verb.isEmpty()) {
         if (!options.dataDir.isEmpty())
             return CliError{QStringLiteral("--data-dir does not apply to %1").arg(options.verb)};
-        if (options.json)
+        if (options.json && options.verb != u"process")
             return CliError{QStringLiteral("--json does not apply to %1").arg(options.verb)};
     } else if (!options.dataDir.isEmpty() && !options.help) {
         return CliError{QStringLiteral("--data-dir needs a command, such as \"notes list\"")};
@@ -136,7 +136,7 @@ std::variant<CliOptions, CliError> parseCommandLine(const QStringList &arguments
 QString usageText()
 {
     return QStringLiteral(
-        "Usage: scrivlet-cli process [--locale NAME] [--set KEY=VALUE]... [--rates FILE]\n"
+        "Usage: scrivlet-cli process [--locale NAME] [--set KEY=VALUE]... [--rates FILE] [--json]\n"
         "       scrivlet-cli eval [--locale NAME] [--raw] EXPR\n"
         "       scrivlet-cli convert [--locale NAME] [--set KEY=VALUE]... [--rates FILE] TEXT\n"
         "       scrivlet-cli --data-dir DIR notes list|show|new|next|previous|delete|promote|jump ...\n"
@@ -149,7 +149,11 @@ QString usageText()
         "Commands:\n"
         "  process    Read one note's text on standard input, run it through the note\n"
         "             engine as the app does when the note is opened, and write the\n"
-        "             resulting text to standard output, byte for byte.\n"
+        "             resulting text to standard output, byte for byte. With --json,\n"
+        "             one JSON object instead: {\"text\": the resulting text,\n"
+        "             \"checklist\": the rows of a list note, each with content,\n"
+        "             checked and hidden, \"scrivlinks\": the short links, each with\n"
+        "             fullUrl and shortenedUrl}.\n"
         "  eval       Calculate EXPR as a math line does and print its value, or \"n/a\"\n"
         "             with the reason on standard error (exit status 1).\n"
         "  convert    Convert TEXT (\"89 miles to km\", \"$24\") as a math line does and\n"
@@ -197,7 +201,8 @@ QString usageText()
         "  --raw             eval: give EXPR to the parser as typed, without the rewrites\n"
         "                    of a math line (\"%\" is then a modulo, \"^\" exclusive or).\n"
         "  --data-dir DIR    The folder of the notes for the commands above.\n"
-        "  --json            notes list, notes show, slots, search and void list print JSON:\n"
+        "  --json            process: the note as JSON (see above).\n"
+        "                    notes list, notes show, slots, search and void list print JSON:\n"
         "                    one object per note with id, content, dbIndex, lastModified\n"
         "                    (ISO-8601, UTC), isSlotted and slotIndex.\n"
         "  --                Take what follows as EXPR or TEXT even if it starts with \"-\".\n"

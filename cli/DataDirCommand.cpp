@@ -5,6 +5,8 @@
 #include "NoteJson.h"
 #include "NoteListing.h"
 
+#include "editor/ScrivlinkExpansion.h"
+
 #include "notes/BackupManager.h"
 #include "notes/CoreDataManager.h"
 #include "notes/CoreDataNotesManager.h"
@@ -451,8 +453,10 @@ int DataDirCommand::show(const Request &request)
         printJson(NoteJson::toObject(note));
         return 0;
     }
-    // The text as it is, ending in a line break so the prompt starts on a line of its own.
-    print(note.content.endsWith(u'\n') || note.content.isEmpty() ? note.content : note.content % u'\n');
+    // The text as it is, with its links in full as all text that leaves a note, ending in
+    // a line break so the prompt starts on a line of its own.
+    const QString text = expandAllScrivlinks(note.content, note.scrivlinkManager->scrivlinks);
+    print(text.endsWith(u'\n') || text.isEmpty() ? text : text % u'\n');
     return 0;
 }
 

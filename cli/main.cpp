@@ -8,6 +8,7 @@
 
 #include "calculation/NumberLocale.h"
 
+#include "editor/EditorPasses.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "keywords/NoteEditorSession.h"
 #include "notes/NoteViewModel.h"
@@ -23,6 +24,9 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QStringDecoder>
 
 #include <cstdio>
@@ -37,6 +41,31 @@ int fail(const QString &message)
 {
     std::fprintf(stderr, "scrivlet-cli: %s\n", qPrintable(message));
     return kExitBadInput;
+}
+
+// What the engine made of a note, for scripts: its text, the rows of its checklist and
+// its short links.
+QByteArray processedNoteJson(const QString &text, const Note &note)
+{
+    QJsonArray checklist;
+    if (note.checklistManager) {
+        for (const auto &item : note.checklistManager->checklist) {
+            checklist.append(QJsonObject{{QStringLiteral("content"), item->content},
+                                         {QStringLiteral("checked"), item->checked},
+                                         {QStringLiteral("hidden"), item->isHidden}});
+        }
+    }
+    QJsonArray scrivlinks;
+    if (note.scrivlinkManager) {
+        for (const Scrivlink &link : note.scrivlinkManager->scrivlinks) {
+            scrivlinks.append(QJsonObject{{QStringLiteral("fullUrl"), link.fullUrl},
+                                          {QStringLiteral("shortenedUrl"), link.shortenedUrl}});
+        }
+    }
+    const QJsonObject object{{QStringLiteral("text"), text},
+                             {QStringLiteral("checklist"), checklist},
+                             {QStringLiteral("scrivlinks"), scrivlinks}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
 }
 
 // One note through the engine: the text goes into a fresh editor as when the note is
@@ -78,9 +107,10 @@ int process(const cli::CliOptions &options)
     NoteViewModel viewModel(note);
     AttributedText storage;
     NoteEditorSession session(storage, viewModel, context, [](const Note &) {});
+    EditorPasses passes(session, context);
     session.open();
 
-    const QByteArray out = storage.string().toUtf8();
+    const QByteArray out = options.json ? processedNoteJson(storage.string(), viewModel.note()) : storage.string().toUtf8();
     if (std::fwrite(out.constData(), 1, size_t(out.size()), stdout) != size_t(out.size()) || std::fflush(stdout) != 0)
         return fail(QStringLiteral("cannot write standard output"));
     return 0;

@@ -900,6 +900,17 @@ int CoreDataManager::positionUnplacedNotes(qint64 step, qint64 base)
 {
     if (!m_preferences.syncWithICloud())
         return 0;
+    // Usually every note has its place: finding that out mustn't read the whole stack,
+    // so the question goes to the index of the unplaced notes alone.
+    if (Statement *any = statement(QStringLiteral("SELECT EXISTS (SELECT 1 FROM notes INDEXED BY notes_unplaced "
+                                                  "WHERE ckChangeTag IS NULL AND ") %
+                                   kLive % QStringLiteral(" AND isSlotted = 0)"))) {
+        if (any->step() == Statement::Step::Row && any->columnInt64(0) == 0) {
+            any->reset();
+            return 0;
+        }
+        any->reset();
+    }
 
     struct Row {
         qint64 objectId;

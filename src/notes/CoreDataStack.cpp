@@ -105,6 +105,11 @@ CREATE TRIGGER notes_search_delete AFTER DELETE ON notes BEGIN
     DELETE FROM noteSearch WHERE rowid = OLD.objectId;
 END;
 )sql",
+    // Notes still waiting for a place in the stack are looked for at every start; the
+    // index holds only those, so a start with none of them doesn't read every note.
+    R"sql(
+CREATE INDEX IF NOT EXISTS notes_unplaced ON notes(objectId) WHERE ckChangeTag IS NULL;
+)sql",
 };
 
 // The fold of search, for the triggers that keep the folded copy of each note.

@@ -55,6 +55,7 @@ Note NoteConversion::toNote(const CDNote &record, const Clock &clock)
         link.currentRange = TextRange{row.currentRangeLocation, row.currentRangeLength};
         note.scrivlinkManager->scrivlinks.push_back(std::move(link));
     }
+    note.scrivlinkManager->skippedURLs = record.skippedURLs.value_or(QStringList());
 
     std::vector<const CDAttachment *> attachments;
     attachments.reserve(record.attachments.size());
@@ -119,6 +120,11 @@ void NoteConversion::writeBack(const Note &note, CDNote &record)
         row.shortenedUrl = link.shortenedUrl;
         record.scrivlinks.push_back(std::move(row));
     }
+    // An empty list is stored as none, as a note that never skipped a link has it.
+    if (note.scrivlinkManager->skippedURLs.isEmpty())
+        record.skippedURLs.reset();
+    else
+        record.skippedURLs = note.scrivlinkManager->skippedURLs;
 
     record.attachments.clear();
     for (const auto &attachment : note.attachments) {

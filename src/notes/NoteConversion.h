@@ -15,7 +15,7 @@ struct NoteConversion {
     static Note toNote(const CDNote &record, const Clock &clock);
 
     // Writes a note into its row. Fields the note doesn't carry (change tag, system
-    // fields, skipped links) stay as they are; the child rows are replaced whole, so
+    // fields) stay as they are; the child rows are replaced whole, so
     // only their `id`s survive a save. A value that doesn't fit the store's 32 bits can
     // only come from a corrupted index, and stops the program.
     static void writeBack(const Note &note, CDNote &record);

@@ -1,5 +1,7 @@
 #include "platform/AttributedText.h"
 
+#include <QList>
+
 #include <algorithm>
 
 namespace scrivlet {
@@ -186,6 +188,21 @@ void AttributedText::type(const QString &text)
     m_selection = {at.location + text.size(), 0};
     if (m_delegate)
         m_delegate->textStorageDidChange(*this);
+}
+
+std::vector<double> AttributedText::paragraphHeights(const QString &text) const
+{
+    const double pointSize =
+        m_typingAttributes.font && m_typingAttributes.font->pointSize > 0 ? m_typingAttributes.font->pointSize : 16;
+    const double multiple = m_typingAttributes.paragraph ? m_typingAttributes.paragraph->lineHeightMultiple : 1.2;
+    const double lineHeight = pointSize * multiple;
+    std::vector<double> heights;
+    heights.reserve(std::size_t(text.count(u'\n')) + 1);
+    for (const QStringView paragraph : QStringView(text).split(u'\n')) {
+        const qsizetype lines = std::max<qsizetype>(1, (paragraph.size() + m_layoutColumns - 1) / m_layoutColumns);
+        heights.push_back(double(lines) * lineHeight);
+    }
+    return heights;
 }
 
 } // namespace scrivlet

@@ -2,6 +2,7 @@
 
 #include "platform/TextStorage.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace scrivlet {
@@ -43,6 +44,15 @@ public:
     void invalidateDisplay(const TextRange &range) override { m_invalidated.push_back(range); }
     const std::vector<TextRange> &invalidatedRanges() const { return m_invalidated; }
 
+    // A fixed layout, the same on every machine: a paragraph takes one line per started
+    // `layoutColumns()` UTF-16 units (an empty one still takes a line), and a line is the
+    // typing font's size times the paragraph's line-height multiple tall (16 points and
+    // 1.2 when the typing attributes have none).
+    std::vector<double> paragraphHeights(const QString &text) const override;
+    static constexpr int kDefaultLayoutColumns = 60;
+    int layoutColumns() const { return m_layoutColumns; }
+    void setLayoutColumns(int columns) { m_layoutColumns = std::max(1, columns); }
+
     // Types `text` over the selection as a user would: the delegate hears of it.
     void type(const QString &text);
 
@@ -72,6 +82,7 @@ private:
     TextAttributes m_typingAttributes;
     TextStorageDelegate *m_delegate = nullptr;
     int m_editingDepth = 0;
+    int m_layoutColumns = kDefaultLayoutColumns;
     std::vector<TextRange> m_invalidated;
 };
 

@@ -5,6 +5,7 @@
 
 #include <QString>
 #include <functional>
+#include <vector>
 
 namespace scrivlet {
 
@@ -64,6 +65,11 @@ public:
 
     // Asks the view to redraw `range` once the current pass is over.
     virtual void invalidateDisplay(const TextRange &range) = 0;
+
+    // Lays `text` out as this editor would, at its width with its typing attributes, and
+    // returns each paragraph's height in points: one entry per piece of `text` split at
+    // "\n", a trailing empty piece included.
+    virtual std::vector<double> paragraphHeights(const QString &text) const = 0;
 };
 
 } // namespace scrivlet

@@ -2,7 +2,10 @@
 
 #include "notes/NoteViewModel.h"
 #include "notes/NotesReloadedNotification.h"
+#include "editor/ChecklistPass.h"
+#include "views/ChecklistView.h"
 #include "views/HintTextView.h"
+#include "views/LinkInteraction.h"
 #include "views/NoteTextEdit.h"
 #include "platform/qt/DocumentTextStorage.h"
 
@@ -21,6 +24,10 @@ NoteEditorView::NoteEditorView(const EditorContext &context, std::shared_ptr<Not
     setFocusProxy(m_edit);
 
     m_session = std::make_unique<NoteEditorSession>(m_edit->storage(), *m_note, context, std::move(save));
+    m_passes = std::make_unique<EditorPasses>(*m_session, context);
+    m_links = std::make_unique<LinkInteraction>(m_passes->scrivlinks());
+    m_edit->setLinkInteraction(m_links.get());
+    m_checklist = new ChecklistView(m_edit, *m_session, m_passes->checklists(), context.bus);
     m_edit->setEditHandler([this](const NoteTextEdit::Edit &edit) {
         m_session->recordEdit(edit.before, edit.replaced, edit.inserted,
                               edit.action.value_or(UserActionType::keydown));
@@ -52,6 +59,11 @@ NoteEditorView::NoteEditorView(const EditorContext &context, std::shared_ptr<Not
 
 NoteEditorView::~NoteEditorView()
 {
+    // The text view outlives this object's members by a moment, as a child widget.
+    m_edit->setLinkInteraction(nullptr);
+    // The boxes read the session and its passes, which go before the editor's children.
+    delete m_checklist;
+    m_checklist = nullptr;
     flushPendingSave();
 }
 

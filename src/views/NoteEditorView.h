@@ -1,5 +1,6 @@
 #pragma once
 
+#include "editor/EditorPasses.h"
 #include "keywords/NoteEditorSession.h"
 #include "platform/NotificationBus.h"
 
@@ -9,7 +10,9 @@
 
 namespace scrivlet {
 
+class ChecklistView;
 class HintTextView;
+class LinkInteraction;
 class NoteTextEdit;
 class NoteViewModel;
 class ThemePalette;
@@ -26,6 +29,9 @@ public:
     NoteTextEdit &textEdit() const { return *m_edit; }
     HintTextView &hintView() const { return *m_hint; }
     NoteEditorSession &session() const { return *m_session; }
+    // The checklist and link behaviours that run in this note's pipeline.
+    EditorPasses &editorPasses() const { return *m_passes; }
+    ChecklistView &checklistView() const { return *m_checklist; }
     const std::shared_ptr<NoteViewModel> &noteViewModel() const { return m_note; }
     // Bumped each time the note's text was replaced from outside, as after a sync.
     int reloadEpoch() const { return m_reloadEpoch; }
@@ -40,6 +46,9 @@ private:
     NoteTextEdit *m_edit;
     HintTextView *m_hint;
     std::unique_ptr<NoteEditorSession> m_session;
+    std::unique_ptr<EditorPasses> m_passes;
+    std::unique_ptr<LinkInteraction> m_links;
+    ChecklistView *m_checklist = nullptr;
     std::vector<NotificationBus::Subscription> m_subscriptions;
     int m_reloadEpoch = 0;
 };

@@ -1,9 +1,13 @@
 #include "views/NoteTextEdit.h"
 
 #include "platform/qt/DocumentTextStorage.h"
+#include "views/LinkInteraction.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
 #include <QMimeData>
+#include <QMouseEvent>
+#include <QScrollBar>
 #include <QTextDocument>
 
 namespace scrivlet {
@@ -59,6 +63,11 @@ void NoteTextEdit::withAction(UserActionType action, const std::function<void()>
 
 void NoteTextEdit::keyPressEvent(QKeyEvent *event)
 {
+    // A short link is toggled, never edited by hand.
+    if (m_links && m_links->refusesKey(*event)) {
+        event->accept();
+        return;
+    }
     const bool deleting = event->key() == Qt::Key_Backspace || event->key() == Qt::Key_Delete;
     if (!event->text().isEmpty())
         m_storage->applyTypingAttributes();
@@ -71,6 +80,69 @@ void NoteTextEdit::keyPressEvent(QKeyEvent *event)
         return;
     }
     withAction(deleting ? UserActionType::delete_ : UserActionType::keydown, [&] { QTextEdit::keyPressEvent(event); });
+}
+
+void NoteTextEdit::setLinkInteraction(LinkInteraction *links)
+{
+    m_links = links;
+    // The pointer turns to a hand over a link without a button held.
+    if (links)
+        viewport()->setMouseTracking(true);
+}
+
+qsizetype NoteTextEdit::characterAt(const QPoint &viewportPoint) const
+{
+    const QPointF inDocument(viewportPoint.x() + horizontalScrollBar()->value(),
+                             viewportPoint.y() + verticalScrollBar()->value());
+    return document()->documentLayout()->hitTest(inDocument, Qt::ExactHit);
+}
+
+bool NoteTextEdit::isLinkAt(qsizetype position) const
+{
+    if (position < 0 || position >= m_storage->length())
+        return false;
+    const TextAttributes attributes = m_storage->attributesAt(position);
+    return attributes.custom && attributes.custom->tag == u"scrivlink";
+}
+
+void NoteTextEdit::mousePressEvent(QMouseEvent *event)
+{
+    m_pressPoint = event->position().toPoint();
+    QTextEdit::mousePressEvent(event);
+}
+
+void NoteTextEdit::mouseMoveEvent(QMouseEvent *event)
+{
+    QTextEdit::mouseMoveEvent(event);
+    if (!m_links)
+        return;
+    const bool overLink = event->buttons() == Qt::NoButton && isLinkAt(characterAt(event->position().toPoint()));
+    viewport()->setCursor(overLink ? Qt::PointingHandCursor : Qt::IBeamCursor);
+}
+
+void NoteTextEdit::mouseReleaseEvent(QMouseEvent *event)
+{
+    QTextEdit::mouseReleaseEvent(event);
+    // A plain click on a link toggles it; a drag that selects text over it doesn't.
+    const QPoint point = event->position().toPoint();
+    if (!m_links || event->button() != Qt::LeftButton || textCursor().hasSelection() ||
+        (point - m_pressPoint).manhattanLength() > 3)
+        return;
+    const qsizetype position = characterAt(point);
+    if (isLinkAt(position) && m_links->toggleAt(position))
+        event->accept();
+}
+
+QMimeData *NoteTextEdit::createMimeDataFromSelection() const
+{
+    if (!m_links)
+        return QTextEdit::createMimeDataFromSelection();
+    // Short links are a way of showing a note; what leaves it reads in full, and as
+    // plain text, like the note itself.
+    const QTextCursor cursor = textCursor();
+    auto *data = new QMimeData;
+    data->setText(m_links->copiedText({cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()}));
+    return data;
 }
 
 void NoteTextEdit::insertFromMimeData(const QMimeData *source)

@@ -13,6 +13,7 @@
 namespace scrivlet {
 
 class DocumentTextStorage;
+class LinkInteraction;
 
 // The text view of one note. It tells, for every change the user makes, what the
 // text was, which range was replaced by what, and how the change came about (typing,
@@ -37,19 +38,32 @@ public:
     const ThemePalette &theme() const { return m_theme; }
     // Takes the text of a note as the start of its history: nothing is reported.
     void loadText(const QString &text);
+    // The note's links: clicks on them, the pointer over them, keys into them, copies.
+    void setLinkInteraction(LinkInteraction *links);
+    // Room left of the text, for the boxes of a checklist.
+    void setLeftMargin(int margin) { setViewportMargins(margin, 0, 0, 0); }
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    QMimeData *createMimeDataFromSelection() const override;
     void insertFromMimeData(const QMimeData *source) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
     void documentChanged();
     void withAction(UserActionType action, const std::function<void()> &body);
+    // The character under `viewportPoint`, or -1 between lines and past their ends.
+    qsizetype characterAt(const QPoint &viewportPoint) const;
+    bool isLinkAt(qsizetype position) const;
 
     ThemePalette m_theme;
     DocumentTextStorage *m_storage;
     EditHandler m_onEdit;
+    LinkInteraction *m_links = nullptr;
+    QPoint m_pressPoint;
     QString m_lastText;
     std::optional<UserActionType> m_action;
     bool m_loading = false;

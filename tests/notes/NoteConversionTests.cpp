@@ -132,6 +132,7 @@ TEST(NoteConversion, WriteBackReplacesChildrenAndKeepsSyncFields)
     attachment.fileName = QStringLiteral("scan.pdf");
     attachment.sortOrder = 3;
     note.attachments.push_back(attachment);
+    note.scrivlinkManager->skippedURLs = QStringList{QStringLiteral("https://keep.me")};
 
     NoteConversion::writeBack(note, row);
     EXPECT_EQ(row.objectId, 7);

@@ -1,7 +1,9 @@
 #include "platform/qt/DocumentTextStorage.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QColor>
 #include <QFont>
+#include <QSet>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
@@ -188,6 +190,10 @@ QTextCharFormat DocumentTextStorage::charFormat(const TextAttributes &a) const
             format.setFontWeight(*a.custom->bold ? QFont::Bold : QFont::Normal);
         if (a.custom->italic)
             format.setFontItalic(*a.custom->italic);
+        if (a.custom->fontScale) {
+            const double base = font && font->pointSize > 0 ? font->pointSize : m_editor->font().pointSizeF();
+            format.setFontPointSize(base * *a.custom->fontScale);
+        }
     }
     const std::optional<QString> foreground = a.custom && a.custom->color ? a.custom->color : a.foreground;
     if (foreground)
@@ -211,11 +217,8 @@ QTextCharFormat DocumentTextStorage::charFormat(const TextAttributes &a) const
     return format;
 }
 
-void DocumentTextStorage::applyParagraph(const TextRange &range, const TextAttributes &attributes)
+QTextBlockFormat DocumentTextStorage::blockFormat(const ParagraphSpec &p) const
 {
-    if (!attributes.paragraph)
-        return;
-    const ParagraphSpec &p = *attributes.paragraph;
     QTextBlockFormat block;
     // A paragraph with no direction of its own has its text scanned for one on every
     // layout, which on a long note costs more than everything else a keystroke does.
@@ -225,6 +228,14 @@ void DocumentTextStorage::applyParagraph(const TextRange &range, const TextAttri
     block.setLeftMargin(p.headIndent);
     if (p.tabStop > 0)
         block.setTabPositions({QTextOption::Tab(p.tabStop, QTextOption::LeftTab)});
+    return block;
+}
+
+void DocumentTextStorage::applyParagraph(const TextRange &range, const TextAttributes &attributes)
+{
+    if (!attributes.paragraph)
+        return;
+    const QTextBlockFormat block = blockFormat(*attributes.paragraph);
     QTextCursor cursor(m_document);
     cursor.setPosition(int(range.location));
     cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
@@ -326,6 +337,8 @@ void DocumentTextStorage::endEditing()
 
 void DocumentTextStorage::setTypingAttributes(const TextAttributes &attributes)
 {
+    if (!(attributes == m_typingAttributes))
+        m_paragraphHeights.clear();
     m_typingAttributes = attributes;
     m_editor->setCurrentCharFormat(charFormat(attributes));
 }
@@ -359,6 +372,59 @@ void DocumentTextStorage::refreshFormats()
     }
     cursor.endEditBlock();
     m_editor->setCurrentCharFormat(charFormat(m_typingAttributes));
+}
+
+std::vector<double> DocumentTextStorage::paragraphHeights(const QString &text) const
+{
+    // A long note's paragraphs mostly repeat from one keystroke to the next; past this
+    // many the cache starts over rather than grow with every line ever typed.
+    constexpr qsizetype kMaxCachedParagraphs = 50000;
+    const double width = m_document->textWidth();
+    if (width != m_measuredWidth || m_paragraphHeights.size() > kMaxCachedParagraphs) {
+        m_paragraphHeights.clear();
+        m_measuredWidth = width;
+    }
+
+    const QList<QStringView> paragraphs = QStringView(text).split(u'\n');
+    QStringList unmeasured;
+    QSet<QStringView> pending;
+    for (const QStringView paragraph : paragraphs) {
+        if (!m_paragraphHeights.contains(paragraph.toString()) && !pending.contains(paragraph)) {
+            pending.insert(paragraph);
+            unmeasured << paragraph.toString();
+        }
+    }
+    if (!unmeasured.isEmpty()) {
+        // All new paragraphs go through one scratch document, laid out once, set up like
+        // the editor's own.
+        QTextDocument scratch;
+        scratch.setDefaultFont(m_document->defaultFont());
+        scratch.setDefaultTextOption(m_document->defaultTextOption());
+        scratch.setDocumentMargin(m_document->documentMargin());
+        scratch.setTextWidth(width);
+        QTextCursor cursor(&scratch);
+        // A paragraph's height is how far it pushes the next one down: a line height
+        // above 100% adds its leading below the last line too, outside the bounding
+        // rectangle of the paragraph. One empty paragraph more gives the last its next.
+        cursor.insertText(unmeasured.join(u'\n') + u'\n', charFormat(m_typingAttributes));
+        if (m_typingAttributes.paragraph) {
+            cursor.select(QTextCursor::Document);
+            cursor.mergeBlockFormat(blockFormat(*m_typingAttributes.paragraph));
+        }
+        QAbstractTextDocumentLayout *layout = scratch.documentLayout();
+        qsizetype i = 0;
+        for (QTextBlock block = scratch.begin(); block.next().isValid() && i < unmeasured.size();
+             block = block.next(), ++i) {
+            const double advance = layout->blockBoundingRect(block.next()).top() - layout->blockBoundingRect(block).top();
+            m_paragraphHeights.insert(unmeasured.at(i), advance);
+        }
+    }
+
+    std::vector<double> heights;
+    heights.reserve(std::size_t(paragraphs.size()));
+    for (const QStringView paragraph : paragraphs)
+        heights.push_back(m_paragraphHeights.value(paragraph.toString()));
+    return heights;
 }
 
 } // namespace scrivlet

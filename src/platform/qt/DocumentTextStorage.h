@@ -9,6 +9,7 @@
 #include <memory>
 
 class QColor;
+class QTextBlockFormat;
 class QTextCharFormat;
 class QTextCursor;
 class QTextDocument;
@@ -53,6 +54,11 @@ public:
 
     void invalidateDisplay(const TextRange &range) override;
 
+    // Heights in the document's layout units, as the editor draws them. Each distinct
+    // paragraph is laid out once for the editor's width and typing attributes: a
+    // keystroke in a long list measures the line it changed, not the whole note.
+    std::vector<double> paragraphHeights(const QString &text) const override;
+
     // Text the user types next takes the typing attributes, not those of the character
     // before it: a keyword's colour doesn't run on into the words typed after it.
     void applyTypingAttributes();
@@ -64,6 +70,7 @@ private:
     void changeRuns(const TextRange &range, Change change);
     QTextCharFormat charFormat(const TextAttributes &attributes) const;
     const TextAttributes &attributesOfFormat(int formatIndex) const;
+    QTextBlockFormat blockFormat(const ParagraphSpec &paragraph) const;
     void applyParagraph(const TextRange &range, const TextAttributes &attributes);
     TextRange clamp(const TextRange &range) const;
 
@@ -80,6 +87,9 @@ private:
     mutable QString m_cachedText;
     mutable bool m_cacheValid = false;
     mutable QHash<int, TextAttributes> m_attributesByFormat;
+    // Paragraph heights by paragraph text, good for one text width and typing attributes.
+    mutable QHash<QString, double> m_paragraphHeights;
+    mutable double m_measuredWidth = -1;
 };
 
 } // namespace scrivlet
