@@ -3,6 +3,7 @@
 #include "platform/SettingsStore.h"
 #include "shell/preferences/CopyPastePreferences.h"
 #include "shell/preferences/ExportPreferences.h"
+#include "shell/preferences/KeyboardShortcutPreferences.h"
 #include "shell/preferences/KeywordPreferences.h"
 #include "shell/preferences/MathPreferences.h"
 #include "shell/preferences/MigrationRecords.h"
@@ -35,6 +36,7 @@ const std::vector<PreferencesCatalogue::Group> &PreferencesCatalogue::groups()
         {QStringLiteral("ExportPreferences"), &ExportPreferences::table()},
         {QStringLiteral("MigrationRecords"), &MigrationRecords::table()},
         {QStringLiteral("NotesPreferences"), &NotesPreferences::table()},
+        {QStringLiteral("KeyboardShortcutPreferences"), &KeyboardShortcutPreferences::table()},
     };
     return all;
 }
