@@ -4,7 +4,7 @@ PRESET ?= release
 BUILD_DIR := build/$(PRESET)
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps configure build run test bench clean
+.PHONY: all deps configure build run test bench install clean
 
 all: build
 
@@ -25,6 +25,12 @@ test: build
 
 bench: build
 	scripts/run-bench $(BUILD_DIR)
+
+# Installs both programs, the desktop entry and the icon under PREFIX (default
+# /usr/local), staged below DESTDIR when it is set.
+PREFIX ?= /usr/local
+install: build
+	DESTDIR=$(DESTDIR) cmake --install $(BUILD_DIR) --prefix $(PREFIX)
 
 clean:
 	rm -rf build

@@ -4,23 +4,34 @@
 #include "calculation/UnitConverter.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "notes/CoreDataStack.h"
-#include "platform/MemoryAlerts.h"
+#include "views/MessageBoxAlerts.h"
 #include "platform/NotificationBus.h"
 #include "platform/QSettingsStore.h"
+#include "platform/SettingsFile.h"
 #include "platform/SystemClock.h"
+#include "platform/desktop/DesktopGlobalHotKey.h"
 #include "platform/network/QtHttpClient.h"
+#include "shell/hotkey/HotKeyManager.h"
 #include "shell/lifecycle/AppLifecycle.h"
+#include "shell/preferences/KeyboardShortcutPreferences.h"
 #include "shell/preferences/KeywordPreferences.h"
 #include "shell/preferences/MathPreferences.h"
 #include "shell/preferences/MiscPreferences.h"
 #include "shell/preferences/VisualPreferences.h"
 #include "shell/tutorial/ResettingConfigs.h"
+#include "views/MainWindow.h"
 #include "views/MainWindowPresenter.h"
+#include "views/PopoverWindow.h"
+#include "views/StatusItemManager.h"
+
+#include "SingleInstance.h"
+#include "WindowEventReport.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
 #include <QMessageBox>
+#include <QSettings>
 #include <QSocketNotifier>
 
 #include <csignal>
@@ -100,13 +111,41 @@ int main(int argc, char **argv)
     const QString dataDir = ownFolder ? parser.value(dataDirOption) : CoreDataStack::defaultDataDirectory();
     if (ownFolder)
         QDir().mkpath(dataDir);
-    std::unique_ptr<QSettingsStore> settingsStore = ownFolder
-        ? std::make_unique<QSettingsStore>(CoreDataStack::folderSettingsPath(dataDir))
-        : std::make_unique<QSettingsStore>();
-    QSettingsStore &settings = *settingsStore;
+
+    // One Scrivlet per folder: a second start brings the running one forward instead
+    // of opening the same store twice. Declared before the store so the folder stays
+    // locked until the store has closed.
+    SingleInstance instance(dataDir);
+    switch (instance.claim()) {
+    case SingleInstance::Claim::Primary: break;
+    case SingleInstance::Claim::ShownRunning: return 0;
+    case SingleInstance::Claim::Busy:
+        std::fputs(qPrintable(QStringLiteral("scrivlet: another Scrivlet is using %1 and doesn't answer; "
+                                             "try again once it has quit.\n")
+                                  .arg(QDir::toNativeSeparators(dataDir))),
+                   stderr);
+        return 1;
+    }
+    // A settings file that can't be read is left as it is, for the user to mend or
+    // remove: the app runs on the defaults this time and writes nothing over it.
+    const QString settingsPath = ownFolder ? CoreDataStack::folderSettingsPath(dataDir) : QSettings().fileName();
+    std::unique_ptr<SettingsStore> settingsStore;
+    if (ownFolder || settingsPath.endsWith(u".conf") || settingsPath.endsWith(u".ini")) {
+        SettingsFile::Opened opened = SettingsFile::open(settingsPath);
+        if (!opened.problem.isEmpty()) {
+            qWarning().noquote() << QStringLiteral("scrivlet: the settings file %1 isn't used because %2; starting "
+                                                   "with the default settings, and changes made now aren't kept.")
+                                        .arg(QDir::toNativeSeparators(settingsPath), opened.problem);
+        }
+        settingsStore = std::move(opened.store);
+    } else {
+        // The platform's own store (the defaults plist on macOS) checks itself.
+        settingsStore = std::make_unique<QSettingsStore>();
+    }
+    SettingsStore &settings = *settingsStore;
     NotificationBus bus;
     SystemClock clock;
-    MemoryAlerts alerts;
+    MessageBoxAlerts alerts;
 
     // Before the store opens: a clean install removes its files.
     resets.applyAtStart(settings, dataDir);
@@ -142,6 +181,40 @@ int main(int argc, char **argv)
     AppLifecycle lifecycle(*stack, settings, bus, clock, alerts, &windows);
     windows.setContent([&lifecycle]() -> CoreDataNotesManager & { return lifecycle.notesManager(); },
                        lifecycle.store());
+    // The start-up and hot key benchmarks read when the window paints.
+    const bool reportWindowEvents = qEnvironmentVariableIntValue("SCRIVLET_REPORT_FIRST_PAINT") == 1;
+    if (reportWindowEvents) {
+        app.installEventFilter(new WindowEventReport(
+            [&windows]() -> QWidget * { return windows.mainWindow(); }, &app));
+    }
+
+    // The hot key is bound before the window comes up, so it answers as soon as there
+    // is something to show.
+    KeyboardShortcutPreferences shortcutPreferences(settings, &bus);
+    std::unique_ptr<GlobalHotKey> desktopHotKey = createDesktopGlobalHotKey();
+    HotKeyManager hotKeys(*desktopHotKey, shortcutPreferences, bus, [&windows, reportWindowEvents] {
+        if (reportWindowEvents)
+            WindowEventReport::reportHotKeyPressed();
+        windows.toggleMainWindow();
+    });
+    hotKeys.start();
+
+    // The tray item, or the main window in its place on a desktop without a tray.
+    // Closing the window ends the app only where nothing else could bring it back.
+    StatusItemManager::Hooks trayHooks;
+    trayHooks.makePopover = [&] {
+        return std::make_unique<PopoverWindow>(context, lifecycle.notesManager(), lifecycle.store());
+    };
+    trayHooks.hotKeyStatus = [&hotKeys] { return hotKeys.statusLine(); };
+    trayHooks.quit = [] { QCoreApplication::quit(); };
+    StatusItemManager statusItems(AppIconPreferences::fromRawValue(visualPreferences.appIconPreference()),
+                                  StatusItemManager::isTrayAvailable(), windows, std::move(trayHooks));
+    hotKeys.addStatusObserver([&statusItems] { statusItems.refreshHotKeyStatus(); });
+    lifecycle.setPresentedMode(statusItems.mode());
+    QApplication::setQuitOnLastWindowClosed(StatusItemManager::quitsWhenWindowCloses(statusItems.mode()));
+    // A second start of the app brings this one forward.
+    instance.setShowHandler([&statusItems] { statusItems.show(); });
+
     lifecycle.start();
 
     // Leaving the app saves the open note at once rather than after the pause; coming
@@ -157,6 +230,8 @@ int main(int argc, char **argv)
         }
     });
     QObject::connect(&app, &QCoreApplication::aboutToQuit, &app, [&] {
+        // A start from now on waits for this one to let go of the folder.
+        instance.stopListening();
         lifecycle.quit();
         settings.sync();
     });

@@ -2,9 +2,12 @@
 
 #include "notes/CoreDataManager.h"
 #include "notes/NoteViewModel.h"
+#include "platform/MessagePillTypes.h"
+#include "shell/preferences/MiscPreferences.h"
 #include "views/MainWindow.h"
 #include "views/NoteEditorView.h"
 #include "views/NoteTextEdit.h"
+#include "views/PopoverWindow.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -49,6 +52,8 @@ void MainWindowPresenter::createMainWindow()
     if (!open)
         return;
     m_window = std::make_unique<MainWindow>(m_context, m_settings, open, saveFor(open));
+    m_window->attachStack(*m_store, *m_notes);
+    m_window->setPinHandler([this] { togglePin(); });
     m_observer = m_notes->addObserver([this](Change change) {
         if (change == Change::currentIndex || change == Change::noteViewModels)
             followOpenNote();
@@ -137,8 +142,45 @@ void MainWindowPresenter::setPinned(bool pinned)
     applyPin();
 }
 
+void MainWindowPresenter::setAppIconPreference(AppIconPreference mode)
+{
+    m_mode = mode;
+    applyPin();
+}
+
+void MainWindowPresenter::setPopover(PopoverWindow *popover)
+{
+    m_popover = popover;
+    applyPin();
+}
+
+void MainWindowPresenter::toggleMainWindow()
+{
+    if (!m_window || m_mode == AppIconPreference::trueMenuApp)
+        return;
+    if (m_window->isVisible() && m_window->isActiveWindow() && !m_window->isMinimized())
+        orderOutMainWindow(true);
+    else
+        showMainWindow();
+}
+
+void MainWindowPresenter::togglePin()
+{
+    setPinned(!m_pinned);
+    m_context.miscPreferences.setLastPinState(m_pinned);
+    m_context.bus.postMessagePill(m_pinned ? QStringLiteral("Pinned to top") : QStringLiteral("Unpinned from top"),
+                                  MessagePillTypes::success());
+}
+
 void MainWindowPresenter::applyPin()
 {
+    if (m_mode == AppIconPreference::trueMenuApp) {
+        if (m_popover)
+            m_popover->setPinned(m_pinned);
+        return;
+    }
+    if (m_window)
+        m_window->setPinnedIndicator(m_pinned);
     if (!m_window || m_window->windowFlags().testFlag(Qt::WindowStaysOnTopHint) == m_pinned)
         return;
     const bool visible = m_window->isVisible();

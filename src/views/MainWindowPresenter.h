@@ -3,6 +3,7 @@
 #include "keywords/EditorContext.h"
 #include "notes/CoreDataNotesManager.h"
 #include "platform/WindowPresenter.h"
+#include "shell/lifecycle/AppIconPreference.h"
 
 #include <functional>
 #include <memory>
@@ -13,6 +14,7 @@ namespace scrivlet {
 class CoreDataManager;
 class MainWindow;
 class NoteViewModel;
+class PopoverWindow;
 class SettingsStore;
 
 // The main window on the desktop: it shows the stack's open note and follows it as the
@@ -43,6 +45,19 @@ public:
     bool isPinned() const override { return m_pinned; }
     void setPinned(bool pinned) override;
 
+    // How the app presents itself; in `trueMenuApp` there is no window to toggle and
+    // the pin holds the tray's note panel open instead.
+    void setAppIconPreference(AppIconPreference mode);
+    AppIconPreference appIconPreference() const { return m_mode; }
+    // The tray's note panel, while there is one.
+    void setPopover(PopoverWindow *popover);
+    // The hot key's, the tray's and the "Hide/Show" command's toggle: a window in front
+    // goes away (and the app used before gets the focus back); a minimised one comes
+    // back; any other comes to the front.
+    void toggleMainWindow();
+    // The pin command: flips the pin, remembers it for the next start and says so.
+    void togglePin();
+
 private:
     void followOpenNote();
     void applyPin();
@@ -56,6 +71,8 @@ private:
     std::optional<CoreDataNotesManager::ObserverId> m_observer;
     std::unique_ptr<MainWindow> m_window;
     bool m_pinned = false;
+    AppIconPreference m_mode = AppIconPreference::both;
+    PopoverWindow *m_popover = nullptr;
 };
 
 } // namespace scrivlet

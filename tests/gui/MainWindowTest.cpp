@@ -80,25 +80,27 @@ TEST_F(MainWindowTest, TypingIsSavedAfterAPauseAndOnClose)
     QTest::keyClicks(&edit, QStringLiteral("sum"));
     QTest::keyClick(&edit, Qt::Key_Return);
     QTest::keyClicks(&edit, QStringLiteral("12 apples"));
-    EXPECT_EQ(m_note->note().content, QStringLiteral("sum\n12 apples"));
+    // The total is written below the line being typed, and typing goes on above it.
+    EXPECT_EQ(m_note->note().content, QStringLiteral("sum\n12 apples\n\nTotal: 12"));
     m_clock.advance(900ms);
     EXPECT_EQ(m_saves, 0) << "still typing";
     EXPECT_EQ(storedContent(), QString());
     m_clock.advance(100ms);
     EXPECT_EQ(m_saves, 1);
-    EXPECT_EQ(storedContent(), QStringLiteral("sum\n12 apples"));
+    EXPECT_EQ(storedContent(), QStringLiteral("sum\n12 apples\n\nTotal: 12"));
 
     // The last keystrokes before closing are not left to the timer.
     QTest::keyClicks(&edit, QStringLiteral(" and 3 pears"));
     window->close();
-    EXPECT_EQ(storedContent(), QStringLiteral("sum\n12 apples and 3 pears"));
+    EXPECT_EQ(storedContent(), QStringLiteral("sum\n12 apples and 3 pears\n\nTotal: 15"));
     EXPECT_EQ(m_settings.value(QStringLiteral("windowWidth")).toDouble(), double(window->width()));
 
     // The next start shows the same note, with the same frame.
     const QSize size = window->size();
     window.reset();
     auto again = openWindow();
-    EXPECT_EQ(again->editorView().textEdit().storage().string(), QStringLiteral("sum\n12 apples and 3 pears"));
+    EXPECT_EQ(again->editorView().textEdit().storage().string(),
+              QStringLiteral("sum\n12 apples and 3 pears\n\nTotal: 15"));
     EXPECT_EQ(again->size(), size);
 }
 

@@ -111,8 +111,7 @@ void AppLifecycle::bringUpMainWindow()
     // line, the menu-bar-only mode) it is loaded here all the same.
     notesManager();
 
-    const AppIconPreference mode =
-        AppIconPreferences::fromRawValue(VisualPreferences(m_settings).appIconPreference());
+    const AppIconPreference mode = presentedMode();
     if (!m_presenter || !AppIconPreferences::hasMainWindow(mode))
         return;
 
@@ -179,10 +178,15 @@ void AppLifecycle::reopen()
 {
     if (!m_started || !m_presenter || m_presenter->isMainWindowVisible())
         return;
-    const AppIconPreference mode =
-        AppIconPreferences::fromRawValue(VisualPreferences(m_settings).appIconPreference());
+    const AppIconPreference mode = presentedMode();
     if (AppIconPreferences::showsWindowAtStart(mode))
         m_presenter->showMainWindow();
+}
+
+AppIconPreference AppLifecycle::presentedMode() const
+{
+    return m_presentedMode.value_or(
+        AppIconPreferences::fromRawValue(VisualPreferences(m_settings).appIconPreference()));
 }
 
 void AppLifecycle::storeCloseTime()

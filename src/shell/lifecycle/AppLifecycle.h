@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "shell/lifecycle/AppIconPreference.h"
 #include "platform/NotificationBus.h"
 
 #include <QtGlobal>
@@ -49,6 +50,11 @@ public:
     // The user asked for the app again (a click on its icon) while no window showed.
     void reopen();
 
+    // The way the app really presents itself when that isn't the stored
+    // `appIconPreference`: a desktop without a tray can't show the tray's modes. Set
+    // before start().
+    void setPresentedMode(AppIconPreference mode) { m_presentedMode = mode; }
+
     bool isStarted() const { return m_started; }
     CoreDataManager &store();
     // Made on first use, as the main window's content is built: slots, tutorial notes
@@ -59,6 +65,7 @@ public:
 private:
     void bringUpMainWindow();
     void storeCloseTime();
+    AppIconPreference presentedMode() const;
 
     CoreDataStack &m_stack;
     SettingsStore &m_settings;
@@ -74,6 +81,7 @@ private:
     std::unique_ptr<TrashManager> m_trash;
     std::vector<NotificationBus::Subscription> m_subscriptions;
     std::optional<Clock::TimerId> m_placingTimer;
+    std::optional<AppIconPreference> m_presentedMode;
     bool m_started = false;
 };
 
