@@ -172,6 +172,29 @@ const TextAttributes &DocumentTextStorage::attributesOfFormat(int formatIndex) c
 
 QTextCharFormat DocumentTextStorage::charFormat(const TextAttributes &a) const
 {
+    constexpr std::size_t kRecentFormats = 32;
+    const double fontSize = m_editor->font().pointSizeF();
+    if (fontSize != m_recentFormatsFontSize) {
+        m_recentFormats.clear();
+        m_recentFormatsFontSize = fontSize;
+    }
+    for (std::size_t i = 0; i < m_recentFormats.size(); ++i) {
+        if (m_recentFormats[i].first == a) {
+            // The most used looks stay near the front.
+            if (i > 0)
+                std::swap(m_recentFormats[i], m_recentFormats[i - 1]);
+            return m_recentFormats[i > 0 ? i - 1 : 0].second;
+        }
+    }
+    QTextCharFormat format = makeCharFormat(a);
+    if (m_recentFormats.size() == kRecentFormats)
+        m_recentFormats.pop_back();
+    m_recentFormats.emplace_back(a, format);
+    return format;
+}
+
+QTextCharFormat DocumentTextStorage::makeCharFormat(const TextAttributes &a) const
+{
     QTextCharFormat format;
     format.setProperty(kAttributesProperty, QVariant::fromValue(a));
     std::optional<FontSpec> font = a.font;
@@ -361,6 +384,8 @@ void DocumentTextStorage::invalidateDisplay(const TextRange &)
 
 void DocumentTextStorage::refreshFormats()
 {
+    // The theme's colours may have changed: every look is made again.
+    m_recentFormats.clear();
     std::vector<std::pair<TextRange, TextAttributes>> runs;
     enumerateRuns({0, length()}, [&](const TextRange &run, const TextAttributes &a) { runs.emplace_back(run, a); });
     QTextCursor cursor(m_document);

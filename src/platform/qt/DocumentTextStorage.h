@@ -7,6 +7,8 @@
 
 #include <functional>
 #include <memory>
+#include <utility>
+#include <vector>
 
 class QColor;
 class QTextBlockFormat;
@@ -69,6 +71,7 @@ private:
     template<typename Change>
     void changeRuns(const TextRange &range, Change change);
     QTextCharFormat charFormat(const TextAttributes &attributes) const;
+    QTextCharFormat makeCharFormat(const TextAttributes &attributes) const;
     const TextAttributes &attributesOfFormat(int formatIndex) const;
     QTextBlockFormat blockFormat(const ParagraphSpec &paragraph) const;
     void applyParagraph(const TextRange &range, const TextAttributes &attributes);
@@ -87,6 +90,11 @@ private:
     mutable QString m_cachedText;
     mutable bool m_cacheValid = false;
     mutable QHash<int, TextAttributes> m_attributesByFormat;
+    // The visible formats of the attributes most recently laid. A restyle lays the same
+    // few looks over thousands of runs; each is made once, for the theme and editor
+    // font it was made with.
+    mutable std::vector<std::pair<TextAttributes, QTextCharFormat>> m_recentFormats;
+    mutable double m_recentFormatsFontSize = -1;
     // Paragraph heights by paragraph text, good for one text width and typing attributes.
     mutable QHash<QString, double> m_paragraphHeights;
     mutable double m_measuredWidth = -1;
