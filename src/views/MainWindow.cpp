@@ -404,8 +404,16 @@ void MainWindow::applyTheme()
     p.setColor(QPalette::Base, palette.color(QStringLiteral("background")));
     p.setColor(QPalette::Text, palette.color(QStringLiteral("typeMain")));
     setPalette(p);
+    // Thin scroll bars in the theme's colours, with no arrows: a note scrolls with the
+    // wheel and the keys, and the bar only says where in the note one is.
+    const QString handle = palette.color(QStringLiteral("gridBold")).name();
     m_split->splitter().setStyleSheet(
-        QStringLiteral("QSplitter::handle { background: %1; }").arg(palette.color(QStringLiteral("gridBold")).name()));
+        QStringLiteral("QSplitter::handle { background: %1; }"
+                       "QScrollBar:vertical { width: 8px; background: transparent; margin: 2px 1px; }"
+                       "QScrollBar::handle:vertical { background: %1; border-radius: 3px; min-height: 24px; }"
+                       "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0; }"
+                       "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical { background: none; }")
+            .arg(handle));
 }
 
 void MainWindow::resizeEvent(QResizeEvent *event)
