@@ -92,6 +92,9 @@ MainWindow::MainWindow(const EditorContext &context, SettingsStore &settings, st
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget *, QWidget *now) {
         m_registry->followFocus(now, [this](NoteEditorView *view) { return m_split->isFirst(view); });
     });
+    connect(m_registry, &TextViewRegistry::activeTextViewChanged, this,
+            [this] { m_split->setActiveEditor(m_registry->activeTextView()); });
+    m_split->setActiveEditor(m_registry->activeTextView());
 
     m_subscriptions.push_back(
         m_context.bus.subscribe(QStringLiteral("MessagePillNotification"), [this](const QVariantMap &payload) {
@@ -309,6 +312,18 @@ void MainWindow::createCommands()
                    applyPaneLayout();
                    focusEditor(m_split->primaryEditor());
                });
+    addCommand(QStringLiteral("toggleSplitDirection"), tr("Split side by side / one above the other"),
+               {K(Qt::CTRL | Qt::ALT | Qt::Key_Backslash)}, [this] {
+                   if (!m_commands)
+                       return;
+                   showPage(Page::notes);
+                   NotesPreferences preferences(m_settings);
+                   preferences.setIsSplitHorizontal(!preferences.isSplitHorizontal());
+                   // Turning the split is asking to see it.
+                   if (!preferences.isSplitView())
+                       m_commands->toggleSplit();
+                   applyPaneLayout();
+               });
     QAction *pin =
         addCommand(QStringLiteral("togglePin"), tr("Pin on top"), {K(Qt::CTRL | Qt::SHIFT | Qt::Key_P)}, [this] {
             if (m_pinHandler)
@@ -407,6 +422,7 @@ void MainWindow::applyTheme()
     // Thin scroll bars in the theme's colours, with no arrows: a note scrolls with the
     // wheel and the keys, and the bar only says where in the note one is.
     const QString handle = palette.color(QStringLiteral("gridBold")).name();
+    m_split->setMarkerColor(palette.color(QStringLiteral("accent1Main")));
     m_split->splitter().setStyleSheet(
         QStringLiteral("QSplitter::handle { background: %1; }"
                        "QScrollBar:vertical { width: 8px; background: transparent; margin: 2px 1px; }"

@@ -3,6 +3,9 @@
 #include "views/NoteEditorView.h"
 
 #include <QApplication>
+#include <QColor>
+#include <QEvent>
+#include <QPalette>
 #include <QSplitter>
 #include <QVBoxLayout>
 
@@ -17,6 +20,13 @@ SplitView::SplitView(const EditorContext &context, QWidget *parent)
     m_splitter->setChildrenCollapsible(false);
     m_splitter->setHandleWidth(1);
     m_splitter->setObjectName(QStringLiteral("paneSplitter"));
+    connect(m_splitter, &QSplitter::splitterMoved, this, &SplitView::placeMarker);
+
+    m_marker = new QWidget(this);
+    m_marker->setObjectName(QStringLiteral("activePaneMarker"));
+    m_marker->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_marker->setAutoFillBackground(true);
+    m_marker->hide();
 }
 
 SplitView::~SplitView()
@@ -40,6 +50,8 @@ NoteEditorView *SplitView::replace(NoteEditorView *&slot, std::shared_ptr<NoteVi
         slot->deleteLater();
     }
     slot = editor;
+    // The splitter moves and sizes the panes on its own as well; the marker follows.
+    editor->installEventFilter(this);
     m_splitter->insertWidget(index < 0 ? m_splitter->count() : index, editor);
     arrange();
     emit editorReplaced(editor);
@@ -82,6 +94,49 @@ void SplitView::arrange()
         const int total = m_layout.horizontal ? m_splitter->width() : m_splitter->height();
         m_splitter->setSizes({std::max(total / 2, 1), std::max(total - total / 2, 1)});
     }
+    placeMarker();
+}
+
+void SplitView::setActiveEditor(NoteEditorView *editor)
+{
+    m_active = editor;
+    placeMarker();
+}
+
+void SplitView::setMarkerColor(const QColor &color)
+{
+    QPalette palette = m_marker->palette();
+    palette.setColor(QPalette::Window, color);
+    m_marker->setPalette(palette);
+}
+
+void SplitView::placeMarker()
+{
+    const bool bothShown = m_layout.split && m_stack && m_slotted;
+    if (!bothShown || !m_active || (m_active != m_stack && m_active != m_slotted)) {
+        m_marker->hide();
+        return;
+    }
+    // Along the top of the pane, or along its left side when the panes stand side by side.
+    constexpr int kThickness = 2;
+    const QRect pane(m_active->mapTo(this, QPoint(0, 0)), m_active->size());
+    m_marker->setGeometry(m_layout.horizontal ? QRect(pane.left(), pane.top(), kThickness, pane.height())
+                                              : QRect(pane.left(), pane.top(), pane.width(), kThickness));
+    m_marker->show();
+    m_marker->raise();
+}
+
+void SplitView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    placeMarker();
+}
+
+bool SplitView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_active && (event->type() == QEvent::Move || event->type() == QEvent::Resize))
+        placeMarker();
+    return QWidget::eventFilter(watched, event);
 }
 
 bool SplitView::isFirst(const NoteEditorView *editor) const

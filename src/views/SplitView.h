@@ -2,10 +2,12 @@
 
 #include "keywords/NoteEditorSession.h"
 
+#include <QPointer>
 #include <QWidget>
 
 #include <memory>
 
+class QColor;
 class QSplitter;
 
 namespace scrivlet {
@@ -46,19 +48,31 @@ public:
 
     void flushPendingSaves();
 
+    // With both panes on screen, a thin line in `color` along the edge of the pane that
+    // the keys act on, so that one can tell which it is without typing.
+    void setActiveEditor(NoteEditorView *editor);
+    void setMarkerColor(const QColor &color);
+
 signals:
     // A pane was given a new editor (another note): the old one is gone.
     void editorReplaced(NoteEditorView *editor);
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     NoteEditorView *replace(NoteEditorView *&slot, std::shared_ptr<NoteViewModel> note,
                             NoteEditorSession::SaveCallback save);
     void arrange();
+    void placeMarker();
 
     EditorContext m_context;
     QSplitter *m_splitter;
     NoteEditorView *m_stack = nullptr;
     NoteEditorView *m_slotted = nullptr;
+    QPointer<NoteEditorView> m_active;
+    QWidget *m_marker;
     Layout m_layout;
 };
 

@@ -140,6 +140,13 @@ TEST_F(MainWindowStackTest, CommandsActOnThePaneThatHasTheFocus)
     focus(split.slottedEditor());
     EXPECT_TRUE(registry.isSlottedActive());
     EXPECT_FALSE(registry.activeSectionIsTop());
+    // A line along the top of the pane the keys act on tells the two apart.
+    const auto *marker = split.findChild<QWidget *>(QStringLiteral("activePaneMarker"));
+    ASSERT_NE(marker, nullptr);
+    const auto paneTop = [&](NoteEditorView *pane) { return pane->mapTo(&split, QPoint(0, 0)).y(); };
+    EXPECT_TRUE(marker->isVisible());
+    EXPECT_EQ(marker->geometry().top(), paneTop(split.slottedEditor()));
+    EXPECT_GT(marker->geometry().top(), paneTop(split.stackEditor()));
     const auto stackSize = m_notes->noteViewModels().size();
     window->command(QStringLiteral("newNote"))->trigger();
     EXPECT_EQ(m_lastPill, QStringLiteral("New notes can only be created in the ephemeral pane"));
@@ -155,6 +162,15 @@ TEST_F(MainWindowStackTest, CommandsActOnThePaneThatHasTheFocus)
     QTest::keyClicks(&split.stackEditor()->textEdit(), QStringLiteral("written"));
     focus(split.stackEditor());
     EXPECT_FALSE(registry.isSlottedActive());
+    EXPECT_EQ(marker->geometry().top(), paneTop(split.stackEditor()));
+
+    // The panes can stand side by side; the line then runs down the active one's side.
+    window->command(QStringLiteral("toggleSplitDirection"))->trigger();
+    EXPECT_EQ(split.splitter().orientation(), Qt::Horizontal);
+    EXPECT_TRUE(NotesPreferences(m_settings).isSplitHorizontal());
+    EXPECT_LT(marker->width(), marker->height());
+    window->command(QStringLiteral("toggleSplitDirection"))->trigger();
+    EXPECT_EQ(split.splitter().orientation(), Qt::Vertical);
     window->command(QStringLiteral("newNote"))->trigger();
     EXPECT_EQ(m_notes->noteViewModels().size(), stackSize + 1);
     EXPECT_EQ(split.stackEditor()->noteViewModel(), m_notes->currentNote());
@@ -173,6 +189,7 @@ TEST_F(MainWindowStackTest, CommandsActOnThePaneThatHasTheFocus)
     EXPECT_TRUE(split.slottedEditor()->isVisible());
     EXPECT_FALSE(split.stackEditor()->isVisible());
     EXPECT_TRUE(registry.isSlottedActive());
+    EXPECT_FALSE(marker->isVisible()) << "one pane needs no marking";
 }
 
 TEST_F(MainWindowStackTest, SplitSettingsAreRestoredAndPillsShowThenFade)
