@@ -1,5 +1,7 @@
 #include "SingleInstance.h"
 
+#include "notes/CoreDataStack.h"
+
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
@@ -53,7 +55,7 @@ QString SingleInstance::serverName(const QString &dataDirectory)
 
 QString SingleInstance::lockFilePath(const QString &dataDirectory)
 {
-    return QDir(dataDirectory).filePath(QStringLiteral("scrivlet.lock"));
+    return CoreDataStack::folderLockPath(dataDirectory);
 }
 
 SingleInstance::Claim SingleInstance::claim(std::chrono::milliseconds wait)

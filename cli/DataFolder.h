@@ -10,6 +10,8 @@
 
 #include <memory>
 
+class QLockFile;
+
 namespace scrivlet {
 class AppLifecycle;
 class CoreDataManager;
@@ -54,9 +56,11 @@ public:
     NoteCommands &commands();
 
 private:
-    DataFolder(QString path, std::unique_ptr<CoreDataStack> stack);
+    DataFolder(QString path, std::unique_ptr<QLockFile> lock, std::unique_ptr<CoreDataStack> stack);
 
     QString m_path;
+    // Held from before the store opens until after it closes.
+    std::unique_ptr<QLockFile> m_lock;
     QSettingsStore m_settings;
     NotificationBus m_bus;
     SystemClock m_clock;

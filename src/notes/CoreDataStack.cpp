@@ -152,6 +152,11 @@ QString CoreDataStack::folderSettingsPath(const QString &dataDirectory)
     return QDir(dataDirectory).filePath(QStringLiteral("settings.ini"));
 }
 
+QString CoreDataStack::folderLockPath(const QString &dataDirectory)
+{
+    return QDir(dataDirectory).filePath(QStringLiteral("scrivlet.lock"));
+}
+
 Result<std::unique_ptr<CoreDataStack>, StoreError> CoreDataStack::open(const QString &dataDirectory)
 {
     using OpenResult = Result<std::unique_ptr<CoreDataStack>, StoreError>;

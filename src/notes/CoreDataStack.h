@@ -26,6 +26,9 @@ public:
     // and the command line's verbs), kept beside its store so that trying another
     // folder never reads or changes the user's own settings.
     static QString folderSettingsPath(const QString &dataDirectory);
+    // The lock file that whoever has the folder's store open holds: the app for as long
+    // as it runs, a command-line verb for its run. No two of them write the same notes.
+    static QString folderLockPath(const QString &dataDirectory);
 
     // Creates `dataDirectory` if needed (a failure there is only logged), then opens
     // the store file in it. A file that can't be read as a store is never changed.

@@ -4,6 +4,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLockFile>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
@@ -327,6 +328,25 @@ TEST_F(DataDirCli, AFolderOrStoreThatCannotBeOpenedFailsWithItsReason)
     EXPECT_TRUE(broken.err.contains("cannot open the notes in")) << broken.err.constData();
     ASSERT_TRUE(store.open(QIODevice::ReadOnly));
     EXPECT_EQ(store.readAll(), garbage);
+}
+
+TEST_F(DataDirCli, AFolderTheAppHasOpenIsLeftToIt)
+{
+    ASSERT_EQ(run({QStringLiteral("notes"), QStringLiteral("new"), QStringLiteral("kept")}).exitCode, 0);
+    const QByteArray before = run({QStringLiteral("notes"), QStringLiteral("list")}).out;
+
+    // The app holds the folder's lock for as long as it runs; this process stands in for it.
+    QLockFile app(path(QStringLiteral("scrivlet.lock")));
+    ASSERT_TRUE(app.tryLock(0));
+    const CliRun refused = run({QStringLiteral("notes"), QStringLiteral("new"), QStringLiteral("lost?")});
+    EXPECT_EQ(refused.exitCode, 1);
+    EXPECT_TRUE(refused.err.contains("Scrivlet is running on")) << refused.err.constData();
+    EXPECT_TRUE(refused.out.isEmpty());
+    app.unlock();
+
+    EXPECT_EQ(run({QStringLiteral("notes"), QStringLiteral("list")}).out, before) << "the refused run wrote nothing";
+    // Once the app is gone the folder is the command line's again.
+    EXPECT_EQ(run({QStringLiteral("notes"), QStringLiteral("new"), QStringLiteral("later")}).exitCode, 0);
 }
 
 // A notes database as the earlier app wrote it: dates as seconds since 1970.
