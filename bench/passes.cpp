@@ -222,6 +222,23 @@ void BM_DesktopMarkdownNoteRestyle(benchmark::State &state)
 }
 BENCHMARK(BM_DesktopMarkdownNoteRestyle)->Unit(benchmark::kMillisecond);
 
+// A restyle that finds the editor holding other text, as when a note is opened into it:
+// every line is new to the document and is laid in and styled.
+void BM_DesktopMarkdownNoteNewText(benchmark::State &state)
+{
+    const QString notes[] = {markdownNote(), markdownNote().replace(QStringLiteral("team"), QStringLiteral("crew"))};
+    DesktopEditor editor(notes[0]);
+    int turn = 0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        editor.view->noteViewModel()->mutableNote().content = notes[++turn % 2];
+        state.ResumeTiming();
+        editor.view->session().reStyleAndProcessNote();
+    }
+    benchmark::DoNotOptimize(editor.view->textEdit().storage().length());
+}
+BENCHMARK(BM_DesktopMarkdownNoteNewText)->Unit(benchmark::kMillisecond);
+
 // The same restyle with the markdown styling left out: what the editor's document costs
 // on its own to take the note anew and lay it out, against which the styling is measured.
 void BM_DesktopMarkdownNoteRestyleUnstyled(benchmark::State &state)

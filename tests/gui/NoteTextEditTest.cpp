@@ -2,6 +2,8 @@
 #include "views/NoteTextEdit.h"
 
 #include <QTest>
+#include <QTextBlock>
+#include <QTextDocument>
 #include <gtest/gtest.h>
 
 using namespace scrivlet;
@@ -115,4 +117,57 @@ TEST(DocumentTextStorage, KeepsThePassesAttributesAndLineFeeds)
     EXPECT_EQ(storage.selectedRange(), (TextRange{2, 3}));
     storage.setSelectedRange({100, 0});
     EXPECT_EQ(storage.selectedRange(), (TextRange{storage.length(), 0}));
+}
+
+TEST(DocumentTextStorage, ABatchTakingTheWholeTextAnewChangesOnlyWhatDiffers)
+{
+    NoteTextEdit editor;
+    DocumentTextStorage &storage = editor.storage();
+    TextAttributes plain = role(QStringLiteral("typeMain"));
+    plain.paragraph = ParagraphSpec{};
+    const TextAttributes heading = role(QStringLiteral("accent1Main"));
+
+    // A restyle as the editor session does one: the text set anew, then styled.
+    auto restyle = [&](const QString &text, qsizetype headingLength, qsizetype caret) {
+        storage.beginEditing();
+        storage.setText(text, plain);
+        storage.setSelectedRange({caret, 0});
+        storage.addAttributes({0, headingLength}, heading);
+        // Within the batch the storage answers with what the batch made.
+        EXPECT_EQ(storage.string(), text);
+        EXPECT_EQ(storage.attributesAt(0).foreground, QStringLiteral("accent1Main"));
+        storage.endEditing();
+    };
+    restyle(QStringLiteral("# Plan\nalpha\nbeta"), 6, 0);
+
+    std::vector<std::pair<int, int>> changed;
+    QObject::connect(editor.document(), &QTextDocument::contentsChange, [&](int position, int removed, int added) {
+        changed.emplace_back(position, std::max(removed, added));
+    });
+    restyle(QStringLiteral("# Plan\nalpha\nbeta"), 6, 0);
+    EXPECT_TRUE(changed.empty()) << "the same text styled the same way leaves the document alone";
+
+    // One word changed, a longer heading, and a new line with a paragraph of its own.
+    plain.paragraph->lineHeightMultiple = 1.5;
+    changed.clear();
+    restyle(QStringLiteral("# Plans\nalpha\nbeta\ngamma"), 7, 19);
+    EXPECT_EQ(storage.string(), QStringLiteral("# Plans\nalpha\nbeta\ngamma"));
+    EXPECT_EQ(storage.selectedRange(), (TextRange{19, 0}));
+    ASSERT_FALSE(changed.empty());
+
+    std::vector<std::pair<TextRange, QString>> runs;
+    storage.enumerateRuns({0, storage.length()}, [&](const TextRange &r, const TextAttributes &a) {
+        runs.emplace_back(r, a.foreground.value_or(QString()));
+        EXPECT_EQ(a.paragraph, plain.paragraph);
+    });
+    EXPECT_EQ(runs, (std::vector<std::pair<TextRange, QString>>{{{0, 7}, QStringLiteral("accent1Main")},
+                                                                {{7, 17}, QStringLiteral("typeMain")}}));
+    // What the editor shows follows the stored attributes: the new line's paragraph
+    // spacing and the heading's colour on the letter it gained.
+    for (QTextBlock block = editor.document()->begin(); block.isValid(); block = block.next())
+        EXPECT_DOUBLE_EQ(block.blockFormat().lineHeight(), 150.0) << block.text().toStdString();
+    QTextCursor cursor(editor.document());
+    cursor.setPosition(7);
+    EXPECT_EQ(cursor.charFormat().foreground().color(), editor.theme().color(QStringLiteral("accent1Main")));
+    EXPECT_EQ(editor.textCursor().position(), 19);
 }

@@ -1,5 +1,7 @@
 #include "platform/qt/DocumentTextStorage.h"
 
+#include "platform/AttributedText.h"
+
 #include <QAbstractTextDocumentLayout>
 #include <QColor>
 #include <QFont>
@@ -28,7 +30,8 @@ TextAttributes storedAttributes(const QTextCharFormat &format)
 } // namespace
 
 DocumentTextStorage::DocumentTextStorage(QTextEdit *editor, ColorResolver colors)
-    : QObject(editor), m_editor(editor), m_document(editor->document()), m_colors(std::move(colors))
+    : QObject(editor), m_editor(editor), m_document(editor->document()), m_colors(std::move(colors)),
+      m_staged(std::make_unique<AttributedText>())
 {
     connect(m_document, &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
         if (removed != 0 || added != 0)
@@ -40,6 +43,8 @@ DocumentTextStorage::~DocumentTextStorage() = default;
 
 QString DocumentTextStorage::string() const
 {
+    if (m_staging)
+        return m_staged->text();
     if (!m_cacheValid) {
         // The document separates paragraphs with U+2029 where the note has a line feed.
         m_cachedText = m_document->toRawText();
@@ -51,6 +56,8 @@ QString DocumentTextStorage::string() const
 
 qsizetype DocumentTextStorage::length() const
 {
+    if (m_staging)
+        return m_staged->length();
     return std::max(0, m_document->characterCount() - 1);
 }
 
@@ -64,12 +71,18 @@ TextRange DocumentTextStorage::clamp(const TextRange &range) const
 
 TextRange DocumentTextStorage::selectedRange() const
 {
+    if (m_staging)
+        return m_staged->selectedRange();
     const QTextCursor cursor = m_editor->textCursor();
     return {cursor.selectionStart(), cursor.selectionEnd() - cursor.selectionStart()};
 }
 
 void DocumentTextStorage::setSelectedRange(const TextRange &range)
 {
+    if (m_staging) {
+        m_staged->setSelectedRange(range);
+        return;
+    }
     const TextRange r = clamp(range);
     QTextCursor cursor = m_editor->textCursor();
     cursor.setPosition(int(r.location));
@@ -79,6 +92,8 @@ void DocumentTextStorage::setSelectedRange(const TextRange &range)
 
 TextAttributes DocumentTextStorage::attributesAt(qsizetype index, TextRange *effectiveRange) const
 {
+    if (m_staging)
+        return m_staged->attributesAt(index, effectiveRange);
     const qsizetype size = length();
     const qsizetype at = qBound<qsizetype>(0, index, std::max<qsizetype>(0, size - 1));
     TextAttributes found;
@@ -99,17 +114,25 @@ TextAttributes DocumentTextStorage::attributesAt(qsizetype index, TextRange *eff
 
 void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor &visit) const
 {
+    if (m_staging)
+        m_staged->enumerateRuns(range, visit);
+    else
+        enumerateDocumentRuns(range, visit);
+}
+
+void DocumentTextStorage::enumerateDocumentRuns(const TextRange &range, const RunVisitor &visit) const
+{
     const TextRange r = clamp(range);
     if (r.isEmpty())
         return;
     // Fragments break at paragraph ends even where the attributes go on: join equal
     // neighbours so a run is what the passes laid, not how the document stores it.
     TextRange pending;
-    TextAttributes pendingAttributes;
+    const TextAttributes *pendingAttributes = nullptr;
     bool havePending = false;
     auto flush = [&] {
         if (havePending && !pending.isEmpty())
-            visit(pending, pendingAttributes);
+            visit(pending, *pendingAttributes);
         havePending = false;
     };
     // Positions are counted along the walk: asking the document for a block's or a
@@ -128,12 +151,12 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
             if (to <= from)
                 continue;
             const TextAttributes &attributes = attributesOfFormat(fragment.charFormatIndex());
-            if (havePending && pending.end() == from && pendingAttributes == attributes) {
+            if (havePending && pending.end() == from && *pendingAttributes == attributes) {
                 pending.length = to - pending.location;
             } else {
                 flush();
                 pending = {from, to - from};
-                pendingAttributes = attributes;
+                pendingAttributes = &attributes;
                 havePending = true;
             }
         }
@@ -143,12 +166,12 @@ void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor
         const QTextBlock next = block.next();
         if (next.isValid() && separator >= r.location && separator < r.end()) {
             const TextAttributes &attributes = attributesOfFormat(next.charFormatIndex());
-            if (havePending && pending.end() == separator && pendingAttributes == attributes) {
+            if (havePending && pending.end() == separator && *pendingAttributes == attributes) {
                 pending.length += 1;
             } else {
                 flush();
                 pending = {separator, 1};
-                pendingAttributes = attributes;
+                pendingAttributes = &attributes;
                 havePending = true;
             }
         }
@@ -162,12 +185,12 @@ const TextAttributes &DocumentTextStorage::attributesOfFormat(int formatIndex) c
 {
     // A document never changes a format once it is in its collection, so what a format
     // index decodes to can be kept: a whole-note pass then reads each distinct format once.
-    auto it = m_attributesByFormat.constFind(formatIndex);
-    if (it == m_attributesByFormat.constEnd()) {
+    auto it = m_attributesByFormat.find(formatIndex);
+    if (it == m_attributesByFormat.end()) {
         const QTextFormat format = m_document->allFormats().value(formatIndex);
-        it = m_attributesByFormat.insert(formatIndex, storedAttributes(format.toCharFormat()));
+        it = m_attributesByFormat.emplace(formatIndex, storedAttributes(format.toCharFormat())).first;
     }
-    return *it;
+    return it->second;
 }
 
 QTextCharFormat DocumentTextStorage::charFormat(const TextAttributes &a) const
@@ -303,22 +326,38 @@ void DocumentTextStorage::changeRuns(const TextRange &range, Change change)
 
 void DocumentTextStorage::addAttributes(const TextRange &range, const TextAttributes &attributes)
 {
+    if (m_staging) {
+        m_staged->addAttributes(range, attributes);
+        return;
+    }
     changeRuns(range, [&](TextAttributes &a) { a.merge(attributes); });
 }
 
 void DocumentTextStorage::setAttributes(const TextRange &range, const TextAttributes &attributes)
 {
+    if (m_staging) {
+        m_staged->setAttributes(range, attributes);
+        return;
+    }
     changeRuns(range, [&](TextAttributes &a) { a = attributes; });
 }
 
 void DocumentTextStorage::removeAttributes(const TextRange &range, unsigned fields)
 {
+    if (m_staging) {
+        m_staged->removeAttributes(range, fields);
+        return;
+    }
     changeRuns(range, [&](TextAttributes &a) { a.clear(fields); });
 }
 
 void DocumentTextStorage::replaceCharacters(const TextRange &range, const QString &text,
                                             const TextAttributes &attributes)
 {
+    if (m_staging) {
+        m_staged->replaceCharacters(range, text, attributes);
+        return;
+    }
     const TextRange r = clamp(range);
     QTextCursor cursor(m_document);
     cursor.setPosition(int(r.location));
@@ -331,6 +370,13 @@ void DocumentTextStorage::replaceCharacters(const TextRange &range, const QStrin
 
 void DocumentTextStorage::setText(const QString &text, const TextAttributes &attributes)
 {
+    if (m_editingDepth > 0) {
+        const TextRange selection = selectedRange();
+        m_staged->setText(text, attributes);
+        if (!std::exchange(m_staging, true))
+            m_staged->setSelectedRange(selection);
+        return;
+    }
     const TextRange selection = selectedRange();
     QTextCursor cursor(m_document);
     cursor.beginEditBlock();
@@ -340,6 +386,81 @@ void DocumentTextStorage::setText(const QString &text, const TextAttributes &att
     m_cacheValid = false;
     applyParagraph({0, length()}, attributes);
     setSelectedRange(selection);
+}
+
+void DocumentTextStorage::layStaged()
+{
+    m_staging = false;
+    const AttributedText &staged = *m_staged;
+    const QString &now = staged.text();
+    const QString before = string();
+
+    qsizetype prefix = 0;
+    const qsizetype shorter = std::min(before.size(), now.size());
+    while (prefix < shorter && before.at(prefix) == now.at(prefix))
+        ++prefix;
+    qsizetype suffix = 0;
+    while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
+        ++suffix;
+    if (prefix + suffix < before.size() || prefix + suffix < now.size()) {
+        // The new text goes in without the passes' attributes, so that the comparison
+        // below lays every run of it, paragraph formats included.
+        QTextCursor cursor(m_document);
+        cursor.setPosition(int(prefix));
+        cursor.setPosition(int(before.size() - suffix), QTextCursor::KeepAnchor);
+        cursor.insertText(now.mid(prefix, now.size() - prefix - suffix), QTextCharFormat());
+        m_cachedText = now;
+        m_cacheValid = true;
+    }
+
+    // The runs as the batch left them, against the runs as the document has them. The
+    // staged copy stays as it is until the next batch, so its attributes are pointed at,
+    // not copied: a long note has thousands of runs.
+    m_stagedRuns.clear();
+    staged.enumerateRuns({0, staged.length()}, [&](const TextRange &run, const TextAttributes &attributes) {
+        m_stagedRuns.emplace_back(run, &attributes);
+    });
+    struct Change {
+        TextRange run;
+        const TextAttributes *attributes;
+        bool paragraphChanged;
+    };
+    std::vector<Change> changes;
+    std::size_t next = 0;
+    enumerateDocumentRuns({0, length()}, [&](const TextRange &laid, const TextAttributes &attributes) {
+        while (next < m_stagedRuns.size() && m_stagedRuns[next].first.end() <= laid.location)
+            ++next;
+        for (std::size_t i = next; i < m_stagedRuns.size() && m_stagedRuns[i].first.location < laid.end(); ++i) {
+            const auto &[run, wanted] = m_stagedRuns[i];
+            if (attributes == *wanted)
+                continue;
+            const qsizetype from = std::max(laid.location, run.location);
+            const qsizetype to = std::min(laid.end(), run.end());
+            const bool paragraphChanged = attributes.paragraph != wanted->paragraph;
+            if (!changes.empty() && changes.back().run.end() == from && changes.back().attributes == wanted) {
+                changes.back().run.length = to - changes.back().run.location;
+                changes.back().paragraphChanged |= paragraphChanged;
+            } else {
+                changes.push_back({{from, to - from}, wanted, paragraphChanged});
+            }
+        }
+    });
+    if (!changes.empty()) {
+        QTextCursor cursor(m_document);
+        for (const Change &change : changes) {
+            cursor.setPosition(int(change.run.location));
+            cursor.setPosition(int(change.run.end()), QTextCursor::KeepAnchor);
+            cursor.setCharFormat(charFormat(*change.attributes));
+            if (change.paragraphChanged)
+                applyParagraph(change.run, *change.attributes);
+        }
+    }
+
+    const TextRange selection = staged.selectedRange();
+    if (!(selection == selectedRange()))
+        setSelectedRange(selection);
+    // The runs are kept for their room, the text is let go.
+    m_staged->setText({}, {});
 }
 
 void DocumentTextStorage::beginEditing()
@@ -353,6 +474,8 @@ void DocumentTextStorage::beginEditing()
 void DocumentTextStorage::endEditing()
 {
     if (m_editingDepth > 0 && --m_editingDepth == 0 && m_batch) {
+        if (m_staging)
+            layStaged();
         m_batch->endEditBlock();
         m_batch.reset();
     }

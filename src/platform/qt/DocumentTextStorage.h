@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -18,6 +19,8 @@ class QTextDocument;
 class QTextEdit;
 
 namespace scrivlet {
+
+class AttributedText;
 
 // The editor's document seen as the text storage the text passes run on. The passes'
 // attributes are kept whole in each character format, so they read back exactly what
@@ -70,6 +73,10 @@ public:
 private:
     template<typename Change>
     void changeRuns(const TextRange &range, Change change);
+    void enumerateDocumentRuns(const TextRange &range, const RunVisitor &visit) const;
+    // Brings the document to the text and runs of the batch's staged copy, touching only
+    // the text between their common start and end and the runs whose attributes differ.
+    void layStaged();
     QTextCharFormat charFormat(const TextAttributes &attributes) const;
     QTextCharFormat makeCharFormat(const TextAttributes &attributes) const;
     const TextAttributes &attributesOfFormat(int formatIndex) const;
@@ -86,10 +93,18 @@ private:
     // Holds the document's edit block open while a batch lasts, so that the document is
     // laid out once when the batch ends rather than after each change within it.
     std::unique_ptr<QTextCursor> m_batch;
+    // A batch that takes a whole new text is staged in memory and laid into the document
+    // when it ends. A restyle sets the note's text anew and styles it from nothing; laid
+    // straight into the document, that would be every paragraph shaped and laid out
+    // again, where mostly nothing has changed.
+    std::unique_ptr<AttributedText> m_staged;
+    bool m_staging = false;
+    std::vector<std::pair<TextRange, const TextAttributes *>> m_stagedRuns;
     bool m_redrawQueued = false;
     mutable QString m_cachedText;
     mutable bool m_cacheValid = false;
-    mutable QHash<int, TextAttributes> m_attributesByFormat;
+    // Node-based, so that a reference to one entry outlives the insertion of another.
+    mutable std::unordered_map<int, TextAttributes> m_attributesByFormat;
     // The visible formats of the attributes most recently laid. A restyle lays the same
     // few looks over thousands of runs; each is made once, for the theme and editor
     // font it was made with.
