@@ -2,6 +2,7 @@
 
 #include "calculation/CurrencyRates.h"
 #include "calculation/UnitConverter.h"
+#include "editor/UndoManagement.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "notes/CoreDataStack.h"
 #include "views/MessageBoxAlerts.h"
@@ -172,7 +173,9 @@ int main(int argc, char **argv)
     QtHttpClient http;
     CurrencyRates rates(settings, clock, bus, &http);
     UnitConverter converter(settings, rates);
-    const EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock, &mathPreferences, &converter};
+    UndoManagement undoManagement(clock);
+    const EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock,
+                                &mathPreferences, &converter, &undoManagement};
     // Math notes open before the day's rates are in; once they are, open notes convert
     // anew with them.
     rates.updateCurrencyRates([&bus] { bus.post(QStringLiteral("mathPreferencesChanged")); });

@@ -2,6 +2,7 @@
 // document change, working out what was replaced, the pipeline on the editor's
 // document, and the save scheduling. The budget is one frame at 120 Hz, 8 ms.
 
+#include "editor/UndoManagement.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "notes/NoteViewModel.h"
 #include "platform/ManualClock.h"
@@ -31,7 +32,9 @@ struct EditorOnLongNote {
     KeywordDefinitionsContainer keywords{keywordPreferences};
     VisualPreferences visualPreferences{store};
     MiscPreferences miscPreferences{store};
-    EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock};
+    // The app's editors keep an undo record with every keystroke; so does this one.
+    UndoManagement undoManagement{clock};
+    EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock, nullptr, nullptr, &undoManagement};
     std::unique_ptr<NoteEditorView> view;
 
     explicit EditorOnLongNote(const QString &firstLine)
@@ -41,8 +44,7 @@ struct EditorOnLongNote {
         note.content = firstLine;
         for (int i = 1; i < kLines; ++i)
             note.content += u'\n' % QStringLiteral("Line %1 with some words and %2 apples").arg(i).arg(i % 97);
-        view = std::make_unique<NoteEditorView>(context, std::make_shared<NoteViewModel>(note),
-                                                [](const Note &) {});
+        view = std::make_unique<NoteEditorView>(context, std::make_shared<NoteViewModel>(note), [](const Note &) {});
         view->resize(400, 600);
         view->show();
         QCoreApplication::processEvents();

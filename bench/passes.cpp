@@ -4,6 +4,7 @@
 // on the desktop editor's document. The budget of each is one frame at 120 Hz, 8 ms.
 
 #include "editor/EditorPasses.h"
+#include "editor/UndoManagement.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "keywords/NoteEditorSession.h"
 #include "notes/NoteViewModel.h"
@@ -88,7 +89,9 @@ struct Preferences {
     KeywordDefinitionsContainer keywords{keywordPreferences};
     VisualPreferences visualPreferences{store};
     MiscPreferences miscPreferences{store};
-    EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock};
+    // The app's editors keep an undo record with every keystroke; so do these.
+    UndoManagement undoManagement{clock};
+    EditorContext context{keywords, visualPreferences, miscPreferences, bus, clock, nullptr, nullptr, &undoManagement};
 };
 
 // A note opened as the command line opens one: in memory, with the editor's passes.

@@ -9,6 +9,7 @@
 #include "keywords/StyleMarks.h"
 #include "notes/NoteViewModel.h"
 #include "notes/ScrivlinkManager.h"
+#include "platform/NotificationBus.h"
 #include "platform/MessagePillTypes.h"
 #include "shell/preferences/KeywordPreferences.h"
 
@@ -140,6 +141,8 @@ bool ScrivlinkPass::toggleScrivlinkAt(qsizetype position)
     const auto toggle = toggleScrivlink(position, text, links);
     if (!toggle)
         return false;
+    // The toggle is a step of its own, apart from what was typed before it.
+    m_context.bus.post(QStringLiteral("flushAndRegisterUndo"), {{QStringLiteral("editorId"), m_session.editorId()}});
 
     if (toggle->expanded) {
         m_session.recordEdit(text, toggle->range, toggle->replacement, UserActionType::mouseDown);

@@ -8,6 +8,7 @@ class KeywordDefinitionsContainer;
 class MathPreferences;
 class MiscPreferences;
 class NotificationBus;
+class UndoManagement;
 class VisualPreferences;
 
 // The shared objects every open editor works with. The app (or a command-line run)
@@ -22,6 +23,8 @@ struct EditorContext {
     const MathPreferences *mathPreferences = nullptr;
     // Unit and currency conversion on math lines; without it no line converts.
     const ConversionService *conversionService = nullptr;
+    // The undo history of the app's editors; without it an editor keeps none.
+    UndoManagement *undoManagement = nullptr;
 };
 
 } // namespace scrivlet

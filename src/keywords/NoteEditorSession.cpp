@@ -76,6 +76,8 @@ void NoteEditorSession::textDidChange()
         m_pipeline.processTextChange(&m_storage, m_noteViewModel, m_activeKeyword, m_isList, false);
     }
     storeContentAndScheduleSave();
+    if (m_textChangeRecorder)
+        m_textChangeRecorder();
 }
 
 void NoteEditorSession::reStyleAndProcessNote()

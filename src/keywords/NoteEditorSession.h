@@ -42,8 +42,7 @@ public:
     void willChangeText(const TextRange &range, const QString &replacement, UserActionType action);
     // The same record for an editor that learns of a change only after it happened,
     // and so hands over the text as it was before.
-    void recordEdit(const QString &before, const TextRange &range, const QString &replacement,
-                    UserActionType action);
+    void recordEdit(const QString &before, const TextRange &range, const QString &replacement, UserActionType action);
     // The text-did-change handler.
     void textDidChange();
     // Gives the whole text the default attributes anew, keeping the selection, and runs
@@ -71,6 +70,10 @@ public:
     // The next text change runs the pipeline even if the text equals the note's content.
     void setForceProcessing(bool force) { m_forceProcessing = force; }
 
+    // Told after each change of the text has been through the pipeline: the editor keeps
+    // its undo record with it.
+    void setTextChangeRecorder(std::function<void()> recorder) { m_textChangeRecorder = std::move(recorder); }
+
     void textStorageDidChange(TextStorage &storage) override;
 
 private:
@@ -90,6 +93,7 @@ private:
     bool m_forceProcessing = false;
     Debouncer m_saveDebouncer;
     std::vector<NotificationBus::Subscription> m_subscriptions;
+    std::function<void()> m_textChangeRecorder;
 };
 
 } // namespace scrivlet

@@ -150,6 +150,8 @@ void ChecklistView::mousePressEvent(QMouseEvent *event)
         QWidget::mousePressEvent(event);
         return;
     }
+    // The tick is a step of its own, apart from what was typed before it.
+    m_bus.post(QStringLiteral("flushAndRegisterUndo"), {{QStringLiteral("editorId"), m_session.editorId()}});
     item->checked = !item->checked;
     m_bus.post(QString::fromUtf16(ChecklistToggle::kNotification),
                {{QStringLiteral("checked"), item->checked},

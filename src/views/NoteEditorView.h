@@ -16,6 +16,8 @@ class LinkInteraction;
 class NoteTextEdit;
 class NoteViewModel;
 class ThemePalette;
+class UndoManagement;
+struct NoteSnippetForUndoManagement;
 
 // One note on screen: its text view, the hint below the keyword line, and the
 // session that runs the note engine on every edit and saves after a pause.
@@ -38,9 +40,20 @@ public:
 
     void setTheme(const ThemePalette &palette);
     void flushPendingSave();
+    // Undo and redo of the note's steps, as the keys and the text's menu do them.
+    void undo();
+    void redo();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void reloadFromNote();
+    // Makes this editor's note the one the shared undo history works on.
+    void makeUndoCurrent();
+    NoteSnippetForUndoManagement undoSnapshot() const;
+    void recordTextChange();
+    void applyUndoStep(const NoteSnippetForUndoManagement &step);
 
     std::shared_ptr<NoteViewModel> m_note;
     NoteTextEdit *m_edit;
@@ -51,6 +64,10 @@ private:
     ChecklistView *m_checklist = nullptr;
     std::vector<NotificationBus::Subscription> m_subscriptions;
     int m_reloadEpoch = 0;
+    UndoManagement *m_undo;
+    // The note has been through its first full pass: its checklist and links are whole.
+    bool m_opened = false;
+    bool m_applyingUndoStep = false;
 };
 
 } // namespace scrivlet

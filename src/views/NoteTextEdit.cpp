@@ -5,6 +5,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QKeyEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QScrollBar>
@@ -19,6 +20,7 @@ NoteTextEdit::NoteTextEdit(QWidget *parent)
     setFrameShape(QFrame::NoFrame);
     setLineWrapMode(QTextEdit::WidgetWidth);
     document()->setDocumentMargin(14);
+    document()->setUndoRedoEnabled(false);
     m_storage = new DocumentTextStorage(this, [this](const QString &role) { return m_theme.color(role); });
     connect(document(), &QTextDocument::contentsChange, this, [this](int position, int removed, int added) {
         if (removed != 0 || added != 0)
@@ -61,8 +63,21 @@ void NoteTextEdit::withAction(UserActionType action, const std::function<void()>
     m_action = previous;
 }
 
+void NoteTextEdit::endStep()
+{
+    if (m_history.endStep)
+        m_history.endStep();
+}
+
 void NoteTextEdit::keyPressEvent(QKeyEvent *event)
 {
+    if (event->matches(QKeySequence::Undo) || event->matches(QKeySequence::Redo)) {
+        const auto &step = event->matches(QKeySequence::Undo) ? m_history.undo : m_history.redo;
+        if (step)
+            step();
+        event->accept();
+        return;
+    }
     // A short link is toggled, never edited by hand.
     if (m_links && m_links->refusesKey(*event)) {
         event->accept();
@@ -72,6 +87,7 @@ void NoteTextEdit::keyPressEvent(QKeyEvent *event)
     if (!event->text().isEmpty())
         m_storage->applyTypingAttributes();
     if (event->matches(QKeySequence::Cut)) {
+        endStep();
         withAction(UserActionType::cut, [&] { QTextEdit::keyPressEvent(event); });
         return;
     }
@@ -151,6 +167,7 @@ void NoteTextEdit::insertFromMimeData(const QMimeData *source)
     if (!source->hasText())
         return;
     const QString text = source->text();
+    endStep();
     const auto action = m_action == UserActionType::drag ? UserActionType::drag : UserActionType::paste;
     withAction(action, [&] {
         m_storage->applyTypingAttributes();
@@ -160,7 +177,27 @@ void NoteTextEdit::insertFromMimeData(const QMimeData *source)
 
 void NoteTextEdit::dropEvent(QDropEvent *event)
 {
+    endStep();
     withAction(UserActionType::drag, [&] { QTextEdit::dropEvent(event); });
+}
+
+void NoteTextEdit::contextMenuEvent(QContextMenuEvent *event)
+{
+    // What the menu does next (a cut, a paste) is a step of its own.
+    endStep();
+    std::unique_ptr<QMenu> menu(createStandardContextMenu(event->pos()));
+    // The menu's undo and redo are the note's, not the document's.
+    auto rewire = [&](const char *name, const std::function<void()> &step, const std::function<bool()> &can) {
+        QAction *action = menu->findChild<QAction *>(QLatin1String(name));
+        if (!action)
+            return;
+        action->disconnect();
+        action->setEnabled(step && can && can());
+        connect(action, &QAction::triggered, this, [step] { step(); });
+    };
+    rewire("edit-undo", m_history.undo, m_history.canUndo);
+    rewire("edit-redo", m_history.redo, m_history.canRedo);
+    menu->exec(event->globalPos());
 }
 
 void NoteTextEdit::documentChanged()
@@ -184,8 +221,7 @@ void NoteTextEdit::documentChanged()
     while (prefix < shorter && prefix < changeStart && before.at(prefix) == now.at(prefix))
         ++prefix;
     qsizetype suffix = 0;
-    while (suffix < shorter - prefix &&
-           before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
+    while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
         ++suffix;
 
     Edit edit;

@@ -28,12 +28,23 @@ public:
         std::optional<UserActionType> action;
     };
     using EditHandler = std::function<void(const Edit &edit)>;
+    // The note's own undo history. The document keeps none: the passes restyle the text
+    // after every keystroke, and a step of the note is more than its text.
+    struct History {
+        std::function<void()> undo;
+        std::function<void()> redo;
+        std::function<bool()> canUndo;
+        std::function<bool()> canRedo;
+        // Ends the step being typed, before a paste, a cut or a drop becomes its own.
+        std::function<void()> endStep;
+    };
 
     explicit NoteTextEdit(QWidget *parent = nullptr);
     ~NoteTextEdit() override;
 
     DocumentTextStorage &storage() const { return *m_storage; }
     void setEditHandler(EditHandler handler) { m_onEdit = std::move(handler); }
+    void setHistory(History history) { m_history = std::move(history); }
     void setTheme(const ThemePalette &palette);
     const ThemePalette &theme() const { return m_theme; }
     // Takes the text of a note as the start of its history: nothing is reported.
@@ -51,10 +62,12 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
     void insertFromMimeData(const QMimeData *source) override;
     void dropEvent(QDropEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     void documentChanged();
     void withAction(UserActionType action, const std::function<void()> &body);
+    void endStep();
     // The character under `viewportPoint`, or -1 between lines and past their ends.
     qsizetype characterAt(const QPoint &viewportPoint) const;
     bool isLinkAt(qsizetype position) const;
@@ -62,6 +75,7 @@ private:
     ThemePalette m_theme;
     DocumentTextStorage *m_storage;
     EditHandler m_onEdit;
+    History m_history;
     LinkInteraction *m_links = nullptr;
     QPoint m_pressPoint;
     QString m_lastText;

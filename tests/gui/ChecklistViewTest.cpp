@@ -3,6 +3,7 @@
 
 #include "keywords/KeywordTestEnvironment.h"
 
+#include "editor/UndoManagement.h"
 #include "keywords/NoteEditorSession.h"
 #include "notes/NoteViewModel.h"
 #include "platform/qt/DocumentTextStorage.h"
@@ -29,7 +30,7 @@ protected:
         note.id = QUuid::createUuid();
         note.content = text;
         m_note = std::make_shared<NoteViewModel>(std::move(note));
-        m_view = std::make_unique<NoteEditorView>(m_env.context, m_note, nullptr);
+        m_view = std::make_unique<NoteEditorView>(m_context, m_note, nullptr);
         m_view->resize(420, 400);
         m_view->show();
         settle();
@@ -70,6 +71,14 @@ protected:
     }
 
     scrivlet::testing::KeywordTestEnvironment m_env;
+    UndoManagement m_undo{m_env.clock};
+    EditorContext m_context = withUndo(m_env.context, m_undo);
+
+    static EditorContext withUndo(EditorContext context, UndoManagement &undo)
+    {
+        context.undoManagement = &undo;
+        return context;
+    }
     std::shared_ptr<NoteViewModel> m_note;
     std::unique_ptr<NoteEditorView> m_view;
 };
@@ -96,6 +105,31 @@ TEST_F(ChecklistViewTest, ClickingABoxTicksAndClearsTheRow)
     QTest::keyClicks(&m_view->textEdit(), QStringLiteral("note"));
     settle();
     EXPECT_FALSE(boxes.isVisible());
+}
+
+TEST_F(ChecklistViewTest, ATickIsAnUndoStepOfItsOwn)
+{
+    open(QStringLiteral("list\nmilk\neggs"));
+    NoteTextEdit &edit = m_view->textEdit();
+    QTest::keyClicks(&edit, QStringLiteral("y"));
+    clickBox(1);
+    ASSERT_EQ(edit.storage().string(), QStringLiteral("list\nmilk\neggsy /x"));
+
+    // The tick goes first, then the letter typed before it, each with its box.
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(edit.storage().string(), QStringLiteral("list\nmilk\neggsy"));
+    EXPECT_FALSE(m_note->note().checklistManager->checklist.at(1)->checked);
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    settle();
+    EXPECT_EQ(edit.storage().string(), QStringLiteral("list\nmilk\neggs"));
+
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    settle();
+    EXPECT_EQ(edit.storage().string(), QStringLiteral("list\nmilk\neggsy /x"));
+    EXPECT_TRUE(m_note->note().checklistManager->checklist.at(1)->checked);
+    EXPECT_TRUE(m_view->checklistView().boxRect(1)) << "the boxes follow the checklist put back";
 }
 
 TEST_F(ChecklistViewTest, BoxesStayBesideTheirLinesWhenRowsWrap)

@@ -1,3 +1,4 @@
+#include "editor/UndoManagement.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "notes/CoreDataManager.h"
 #include "notes/CoreDataStack.h"
@@ -61,7 +62,8 @@ protected:
     KeywordDefinitionsContainer m_keywords{m_keywordPreferences};
     VisualPreferences m_visual{m_settings};
     MiscPreferences m_misc{m_settings};
-    EditorContext m_context{m_keywords, m_visual, m_misc, m_bus, m_clock};
+    UndoManagement m_undo{m_clock};
+    EditorContext m_context{m_keywords, m_visual, m_misc, m_bus, m_clock, nullptr, nullptr, &m_undo};
     std::unique_ptr<CoreDataStack> m_stack;
     std::unique_ptr<CoreDataManager> m_store;
     std::shared_ptr<NoteViewModel> m_note;
@@ -154,4 +156,47 @@ TEST_F(MainWindowTest, ANoteChangedElsewhereIsReloadedAndOthersAreLeftAlone)
     NotesReloadedNotification::post(m_bus, {m_note->id()});
     EXPECT_EQ(view.reloadEpoch(), 1);
     EXPECT_EQ(view.textEdit().storage().string(), QStringLiteral("list\nfrom the other machine"));
+}
+
+TEST_F(MainWindowTest, UndoAndRedoWalkTheNotesStepsAndAreSaved)
+{
+    auto window = openWindow();
+    NoteTextEdit &edit = window->editorView().textEdit();
+    const QString first = QStringLiteral("sum\n12 apples\n\nTotal: 12");
+    const QString second = QStringLiteral("sum\n12 apples and 3 pears\n\nTotal: 15");
+
+    QTest::keyClicks(&edit, QStringLiteral("sum"));
+    QTest::keyClick(&edit, Qt::Key_Return);
+    QTest::keyClicks(&edit, QStringLiteral("12 apples"));
+    m_clock.advance(500ms); // a pause ends the step
+    QTest::keyClicks(&edit, QStringLiteral(" and 3 pears"));
+    ASSERT_EQ(edit.storage().string(), second);
+
+    // Each undo goes back a step, totals and caret included, however the passes
+    // restyled the text in between; past the first step it stays put.
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(edit.storage().string(), first);
+    EXPECT_EQ(edit.storage().selectedRange(), (TextRange{13, 0}));
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(edit.storage().string(), QString());
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(edit.storage().string(), QString());
+
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(edit.storage().string(), first);
+    const TextAttributes keyword = edit.storage().attributesAt(1);
+    ASSERT_TRUE(keyword.custom) << "the step put back is styled as typed text is";
+    EXPECT_EQ(keyword.custom->subtag, QStringLiteral("SUM"));
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(edit.storage().string(), second);
+
+    // What undo puts back is the note's text: it is saved like typing.
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    m_clock.advance(1s);
+    EXPECT_EQ(storedContent(), first);
+
+    // Typing after an undo starts a new step and leaves nothing to redo.
+    QTest::keyClicks(&edit, QStringLiteral("!"));
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_EQ(edit.storage().string(), QStringLiteral("sum\n12 apples!\n\nTotal: 12"));
 }
