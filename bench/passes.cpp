@@ -242,6 +242,20 @@ void BM_DesktopMarkdownNoteNewText(benchmark::State &state)
 }
 BENCHMARK(BM_DesktopMarkdownNoteNewText)->Unit(benchmark::kMillisecond);
 
+// A note walked to: its editor made, shown, and the note laid in and styled.
+void BM_DesktopMarkdownNoteOpen(benchmark::State &state)
+{
+    const QString note = markdownNote();
+    for (auto _ : state) {
+        DesktopEditor editor(note);
+        benchmark::DoNotOptimize(editor.view->textEdit().storage().length());
+        state.PauseTiming();
+        editor.view.reset();
+        state.ResumeTiming();
+    }
+}
+BENCHMARK(BM_DesktopMarkdownNoteOpen)->Unit(benchmark::kMillisecond);
+
 // The same restyle with the markdown styling left out: what the editor's document costs
 // on its own to take the note anew and lay it out, against which the styling is measured.
 void BM_DesktopMarkdownNoteRestyleUnstyled(benchmark::State &state)

@@ -16,6 +16,7 @@
 #include "views/NoteEditorView.h"
 #include "views/NoteTextEdit.h"
 
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -199,4 +200,35 @@ TEST_F(MainWindowTest, UndoAndRedoWalkTheNotesStepsAndAreSaved)
     QTest::keyClicks(&edit, QStringLiteral("!"));
     QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(edit.storage().string(), QStringLiteral("sum\n12 apples!\n\nTotal: 12"));
+}
+
+TEST_F(MainWindowTest, RestylingTheWholeNoteKeepsTheReadersPlace)
+{
+    auto window = openWindow();
+    window->resize(420, 360);
+    NoteEditorView &view = window->editorView();
+    NoteTextEdit &edit = view.textEdit();
+    QString text = QStringLiteral("Reading notes");
+    for (int i = 1; i < 600; ++i)
+        text += QStringLiteral("\n**Point %1** about the *design*, see `section %1`").arg(i);
+    view.noteViewModel()->mutableNote().content = text;
+    view.session().reStyleAndProcessNote();
+    QCoreApplication::processEvents();
+
+    // The caret stays at the top while the reader scrolls half way down.
+    edit.storage().setSelectedRange({0, 0});
+    QScrollBar *scroll = edit.verticalScrollBar();
+    scroll->setValue(scroll->maximum() / 2);
+    const int place = scroll->value();
+    ASSERT_GT(place, 0);
+
+    // A larger font restyles every run of the note; the text itself is untouched.
+    m_visual.setFontSize(QStringLiteral("extraLarge"));
+    m_bus.post(QStringLiteral("fontPreferencesChanged"));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(edit.storage().string(), text);
+    ASSERT_TRUE(edit.storage().attributesAt(3).font);
+    EXPECT_GT(edit.storage().attributesAt(3).font->pointSize, 16);
+    EXPECT_EQ(edit.storage().selectedRange(), (TextRange{0, 0}));
+    EXPECT_EQ(scroll->value(), place);
 }

@@ -5,6 +5,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QColor>
 #include <QFont>
+#include <QScrollBar>
 #include <QSet>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -403,12 +404,7 @@ void DocumentTextStorage::layStaged()
     while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
         ++suffix;
     if (prefix + suffix < before.size() || prefix + suffix < now.size()) {
-        // The new text goes in without the passes' attributes, so that the comparison
-        // below lays every run of it, paragraph formats included.
-        QTextCursor cursor(m_document);
-        cursor.setPosition(int(prefix));
-        cursor.setPosition(int(before.size() - suffix), QTextCursor::KeepAnchor);
-        cursor.insertText(now.mid(prefix, now.size() - prefix - suffix), QTextCharFormat());
+        layText({prefix, before.size() - prefix - suffix}, {prefix, now.size() - prefix - suffix});
         m_cachedText = now;
         m_cacheValid = true;
     }
@@ -445,7 +441,18 @@ void DocumentTextStorage::layStaged()
             }
         }
     });
-    if (!changes.empty()) {
+    qsizetype changedLength = 0;
+    for (const Change &change : changes)
+        changedLength += change.run.length;
+    // Restyling most of a long note a run at a time splits and joins the document's
+    // pieces thousands of times, as when a note just shown plain gets its first styling:
+    // laying the whole text anew with its runs is quicker.
+    constexpr std::size_t kManyChanges = 256;
+    if (changes.size() > kManyChanges && changedLength * 2 > now.size()) {
+        // The text is the same: the reader stays where they were, wherever the caret is.
+        m_keptScroll = {m_editor->horizontalScrollBar()->value(), m_editor->verticalScrollBar()->value()};
+        layText({0, now.size()}, {0, now.size()});
+    } else if (!changes.empty()) {
         QTextCursor cursor(m_document);
         for (const Change &change : changes) {
             cursor.setPosition(int(change.run.location));
@@ -463,6 +470,35 @@ void DocumentTextStorage::layStaged()
     m_staged->setText({}, {});
 }
 
+void DocumentTextStorage::layText(const TextRange &replaced, const TextRange &staged)
+{
+    QTextCursor cursor(m_document);
+    cursor.setPosition(int(replaced.location));
+    cursor.setPosition(int(replaced.end()), QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    // The text goes in run by run with the look it ends up with: laid plain and restyled
+    // after, every run would be split out of the plain one again. New paragraphs take the
+    // format of the one they were typed into; each stretch of the same paragraph style is
+    // then set once over its whole length.
+    const QString &text = m_staged->text();
+    std::vector<std::pair<TextRange, const ParagraphSpec *>> paragraphs;
+    m_staged->enumerateRuns(staged, [&](const TextRange &run, const TextAttributes &attributes) {
+        cursor.insertText(text.mid(run.location, run.length), charFormat(attributes));
+        if (!attributes.paragraph)
+            return;
+        if (!paragraphs.empty() && paragraphs.back().first.end() == run.location &&
+            *paragraphs.back().second == *attributes.paragraph)
+            paragraphs.back().first.length += run.length;
+        else
+            paragraphs.emplace_back(run, &*attributes.paragraph);
+    });
+    for (const auto &[range, paragraph] : paragraphs) {
+        cursor.setPosition(int(range.location));
+        cursor.setPosition(int(range.end()), QTextCursor::KeepAnchor);
+        cursor.mergeBlockFormat(blockFormat(*paragraph));
+    }
+}
+
 void DocumentTextStorage::beginEditing()
 {
     if (m_editingDepth++ == 0) {
@@ -477,6 +513,11 @@ void DocumentTextStorage::endEditing()
         if (m_staging)
             layStaged();
         m_batch->endEditBlock();
+        // Put back once the document is laid out again, when the scroll range is its own.
+        if (const auto scroll = std::exchange(m_keptScroll, std::nullopt)) {
+            m_editor->horizontalScrollBar()->setValue(scroll->x());
+            m_editor->verticalScrollBar()->setValue(scroll->y());
+        }
         m_batch.reset();
     }
 }

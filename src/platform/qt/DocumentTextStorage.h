@@ -4,9 +4,11 @@
 
 #include <QHash>
 #include <QObject>
+#include <QPoint>
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -77,6 +79,8 @@ private:
     // Brings the document to the text and runs of the batch's staged copy, touching only
     // the text between their common start and end and the runs whose attributes differ.
     void layStaged();
+    // Replaces `replaced` in the document by the staged copy's text and runs in `staged`.
+    void layText(const TextRange &replaced, const TextRange &staged);
     QTextCharFormat charFormat(const TextAttributes &attributes) const;
     QTextCharFormat makeCharFormat(const TextAttributes &attributes) const;
     const TextAttributes &attributesOfFormat(int formatIndex) const;
@@ -99,6 +103,8 @@ private:
     // again, where mostly nothing has changed.
     std::unique_ptr<AttributedText> m_staged;
     bool m_staging = false;
+    // Where the view was scrolled to before the batch laid the whole text anew.
+    std::optional<QPoint> m_keptScroll;
     std::vector<std::pair<TextRange, const TextAttributes *>> m_stagedRuns;
     bool m_redrawQueued = false;
     mutable QString m_cachedText;
