@@ -1,3 +1,4 @@
+#include "editor/UndoManagement.h"
 #include "keywords/KeywordDefinitionsContainer.h"
 #include "notes/CoreDataManager.h"
 #include "notes/CoreDataNotesManager.h"
@@ -7,6 +8,7 @@
 #include "platform/MemoryAlerts.h"
 #include "platform/MemorySettingsStore.h"
 #include "platform/NotificationBus.h"
+#include "platform/qt/DocumentTextStorage.h"
 #include "shell/preferences/KeywordPreferences.h"
 #include "shell/preferences/MiscPreferences.h"
 #include "shell/preferences/NotesPreferences.h"
@@ -80,7 +82,8 @@ protected:
     KeywordDefinitionsContainer m_keywords{m_keywordPreferences};
     VisualPreferences m_visual{m_settings};
     MiscPreferences m_misc{m_settings};
-    EditorContext m_context{m_keywords, m_visual, m_misc, m_bus, m_clock};
+    UndoManagement m_undo{m_clock};
+    EditorContext m_context{m_keywords, m_visual, m_misc, m_bus, m_clock, nullptr, nullptr, &m_undo};
     std::unique_ptr<CoreDataStack> m_stack;
     std::unique_ptr<CoreDataManager> m_store;
     std::unique_ptr<CoreDataNotesManager> m_notes;
@@ -224,4 +227,45 @@ TEST_F(MainWindowStackTest, SplitSettingsAreRestoredAndPillsShowThenFade)
     EXPECT_FALSE(window->command(QStringLiteral("search"))->isChecked());
     QCoreApplication::processEvents();
     EXPECT_TRUE(window->splitView().stackEditor()->textEdit().hasFocus());
+}
+
+TEST_F(MainWindowStackTest, EachNoteKeepsItsUndoWhileWalkingTheStack)
+{
+    using namespace std::chrono_literals;
+    auto window = openWindow();
+    SplitView &split = window->splitView();
+    focus(split.stackEditor());
+    auto content = [&] { return split.stackEditor()->textEdit().storage().string(); };
+    auto undo = [&] {
+        QTest::keyClick(&split.stackEditor()->textEdit(), Qt::Key_Z, Qt::ControlModifier);
+        QCoreApplication::processEvents();
+    };
+
+    const QString first = content();
+    QTest::keyClicks(&split.stackEditor()->textEdit(), QStringLiteral(" one"));
+    m_clock.advance(500ms);
+    QTest::keyClicks(&split.stackEditor()->textEdit(), QStringLiteral(" two"));
+
+    // Another note, typed into, with its own history.
+    window->command(QStringLiteral("newNote"))->trigger();
+    QCoreApplication::processEvents();
+    focus(split.stackEditor());
+    QTest::keyClicks(&split.stackEditor()->textEdit(), QStringLiteral("fresh"));
+    window->command(QStringLiteral("previousNote"))->trigger();
+    QCoreApplication::processEvents();
+    focus(split.stackEditor());
+    ASSERT_EQ(content(), first + QStringLiteral(" one two"));
+
+    // Back on the first note, undo takes back its own words, one step at a time, and
+    // leaves the other note alone.
+    undo();
+    EXPECT_EQ(content(), first + QStringLiteral(" one"));
+    undo();
+    EXPECT_EQ(content(), first);
+    window->command(QStringLiteral("nextNote"))->trigger();
+    QCoreApplication::processEvents();
+    focus(split.stackEditor());
+    EXPECT_EQ(content(), QStringLiteral("fresh"));
+    undo();
+    EXPECT_EQ(content(), QString());
 }
