@@ -130,6 +130,7 @@ TEST_F(ChecklistViewTest, ATickIsAnUndoStepOfItsOwn)
     EXPECT_EQ(edit.storage().string(), QStringLiteral("list\nmilk\neggsy /x"));
     EXPECT_TRUE(m_note->note().checklistManager->checklist.at(1)->checked);
     EXPECT_TRUE(m_view->checklistView().boxRect(1)) << "the boxes follow the checklist put back";
+    EXPECT_TRUE(edit.storage().mirrorsDocument());
 }
 
 TEST_F(ChecklistViewTest, BoxesStayBesideTheirLinesWhenRowsWrap)

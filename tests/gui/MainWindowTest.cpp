@@ -200,6 +200,7 @@ TEST_F(MainWindowTest, UndoAndRedoWalkTheNotesStepsAndAreSaved)
     QTest::keyClicks(&edit, QStringLiteral("!"));
     QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(edit.storage().string(), QStringLiteral("sum\n12 apples!\n\nTotal: 12"));
+    EXPECT_TRUE(edit.storage().mirrorsDocument());
 }
 
 TEST_F(MainWindowTest, RestylingTheWholeNoteKeepsTheReadersPlace)
@@ -231,4 +232,5 @@ TEST_F(MainWindowTest, RestylingTheWholeNoteKeepsTheReadersPlace)
     EXPECT_GT(edit.storage().attributesAt(3).font->pointSize, 16);
     EXPECT_EQ(edit.storage().selectedRange(), (TextRange{0, 0}));
     EXPECT_EQ(scroll->value(), place);
+    EXPECT_TRUE(edit.storage().mirrorsDocument());
 }

@@ -65,6 +65,7 @@ TEST(NoteTextEdit, ReportsEachUserEditWithWhatItReplaced)
     QTest::keyClicks(&editor, QStringLiteral("x"));
     ASSERT_EQ(edits.size(), 4u);
     EXPECT_EQ(edits[3].before, QStringLiteral("sum\naaa\nli\ne"));
+    EXPECT_TRUE(editor.storage().mirrorsDocument());
 }
 
 TEST(DocumentTextStorage, KeepsThePassesAttributesAndLineFeeds)
@@ -117,6 +118,7 @@ TEST(DocumentTextStorage, KeepsThePassesAttributesAndLineFeeds)
     EXPECT_EQ(storage.selectedRange(), (TextRange{2, 3}));
     storage.setSelectedRange({100, 0});
     EXPECT_EQ(storage.selectedRange(), (TextRange{storage.length(), 0}));
+    EXPECT_TRUE(storage.mirrorsDocument());
 }
 
 TEST(DocumentTextStorage, ABatchTakingTheWholeTextAnewChangesOnlyWhatDiffers)
@@ -170,4 +172,51 @@ TEST(DocumentTextStorage, ABatchTakingTheWholeTextAnewChangesOnlyWhatDiffers)
     cursor.setPosition(7);
     EXPECT_EQ(cursor.charFormat().foreground().color(), editor.theme().color(QStringLiteral("accent1Main")));
     EXPECT_EQ(editor.textCursor().position(), 19);
+    EXPECT_TRUE(storage.mirrorsDocument());
+}
+
+TEST(DocumentTextStorage, WhatThePassesReadFollowsEveryKindOfEdit)
+{
+    NoteTextEdit editor;
+    DocumentTextStorage &storage = editor.storage();
+    Listening listening;
+    storage.setDelegate(&listening);
+    editor.loadText(QStringLiteral("first line\nsecond line\nthird"));
+    storage.addAttributes({0, 5}, role(QStringLiteral("accent1Main")));
+    TextAttributes typing = role(QStringLiteral("typeMain"));
+    typing.paragraph = ParagraphSpec{};
+    storage.setTypingAttributes(typing);
+    EXPECT_TRUE(storage.mirrorsDocument());
+
+    auto check = [&](const char *what) {
+        EXPECT_TRUE(storage.mirrorsDocument()) << what;
+        EXPECT_EQ(storage.string(), editor.toPlainText()) << what;
+    };
+    // Typing over a selection gives the selection the typing look first, then replaces it.
+    storage.setSelectedRange({2, 6});
+    QTest::keyClicks(&editor, QStringLiteral("X"));
+    check("typed over a selection");
+    EXPECT_EQ(storage.string(), QStringLiteral("fiXne\nsecond line\nthird"));
+
+    storage.setSelectedRange({6, 0});
+    QTest::keyClick(&editor, Qt::Key_Backspace);
+    check("two paragraphs joined");
+    QTest::keyClick(&editor, Qt::Key_Return);
+    check("a paragraph split");
+    QTest::keyClick(&editor, Qt::Key_Delete);
+    check("deleted forward");
+
+    storage.setSelectedRange({0, 4});
+    QTest::keyClick(&editor, Qt::Key_X, Qt::ControlModifier);
+    check("cut");
+    storage.setSelectedRange({storage.length(), 0});
+    QTest::keyClick(&editor, Qt::Key_V, Qt::ControlModifier);
+    check("pasted");
+    EXPECT_TRUE(storage.string().endsWith(QStringLiteral("fiXn")));
+
+    editor.selectAll();
+    QTest::keyClicks(&editor, QStringLiteral("all new"));
+    check("everything replaced");
+    EXPECT_EQ(storage.string(), QStringLiteral("all new"));
+    EXPECT_EQ(storage.attributesAt(0).foreground, QStringLiteral("typeMain"));
 }

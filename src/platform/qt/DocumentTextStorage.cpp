@@ -28,38 +28,108 @@ TextAttributes storedAttributes(const QTextCharFormat &format)
     return v.isValid() ? v.value<TextAttributes>() : TextAttributes{};
 }
 
+// Marks the storage's own changes to the document while they are made, and until the
+// document tells of them: the copy has them already.
+class OwnChange {
+public:
+    explicit OwnChange(int &depth) : m_depth(depth) { ++m_depth; }
+    ~OwnChange() { --m_depth; }
+    OwnChange(const OwnChange &) = delete;
+    OwnChange &operator=(const OwnChange &) = delete;
+
+private:
+    int &m_depth;
+};
+
 } // namespace
 
 DocumentTextStorage::DocumentTextStorage(QTextEdit *editor, ColorResolver colors)
     : QObject(editor), m_editor(editor), m_document(editor->document()), m_colors(std::move(colors)),
-      m_staged(std::make_unique<AttributedText>())
+      m_mirror(std::make_unique<AttributedText>()), m_staged(std::make_unique<AttributedText>())
 {
-    connect(m_document, &QTextDocument::contentsChange, this, [this](int, int removed, int added) {
-        if (removed != 0 || added != 0)
-            m_cacheValid = false;
+    reloadMirror();
+    // What the user does in the editor (typing, pasting, dropping) reaches the document
+    // first, and the copy follows it here. The storage's own changes are made to both.
+    connect(m_document, &QTextDocument::contentsChange, this, [this](int position, int removed, int added) {
+        if (m_ownChanges == 0)
+            followDocument(position, removed, added);
     });
 }
 
 DocumentTextStorage::~DocumentTextStorage() = default;
 
+const AttributedText &DocumentTextStorage::current() const
+{
+    return m_staging ? *m_staged : *m_mirror;
+}
+
+QString DocumentTextStorage::documentText(qsizetype from, qsizetype to) const
+{
+    QTextCursor cursor(m_document);
+    cursor.setPosition(int(from));
+    cursor.setPosition(int(to), QTextCursor::KeepAnchor);
+    // The document separates paragraphs with U+2029 where the note has a line feed.
+    QString text = cursor.selectedText();
+    text.replace(QChar::ParagraphSeparator, u'\n');
+    return text;
+}
+
+qsizetype DocumentTextStorage::documentLength() const
+{
+    return std::max(0, m_document->characterCount() - 1);
+}
+
+void DocumentTextStorage::reloadMirror()
+{
+    const qsizetype size = documentLength();
+    m_mirror->setText(documentText(0, size), {});
+    enumerateDocumentRuns({0, size}, [&](const TextRange &run, const TextAttributes &attributes) {
+        m_mirror->setAttributes(run, attributes);
+    });
+}
+
+void DocumentTextStorage::followDocument(qsizetype position, qsizetype removed, qsizetype added)
+{
+    // The document may count the paragraph end after the last character, which the note
+    // doesn't have: the counts are taken within the text on either side.
+    const qsizetype before = m_mirror->length();
+    const qsizetype after = documentLength();
+    position = qBound<qsizetype>(0, position, before);
+    removed = qBound<qsizetype>(0, removed, before - position);
+    added = after - (before - removed);
+    if (added < 0 || position + added > after) {
+        reloadMirror();
+        return;
+    }
+    const TextRange changed{position, added};
+    m_mirror->replaceCharacters({position, removed}, documentText(position, changed.end()), {});
+    enumerateDocumentRuns(changed, [&](const TextRange &run, const TextAttributes &attributes) {
+        m_mirror->setAttributes(run, attributes);
+    });
+}
+
+bool DocumentTextStorage::mirrorsDocument() const
+{
+    const qsizetype size = documentLength();
+    if (m_mirror->text() != documentText(0, size))
+        return false;
+    bool same = true;
+    enumerateDocumentRuns({0, size}, [&](const TextRange &run, const TextAttributes &attributes) {
+        TextRange held;
+        same = same && m_mirror->attributesAt(run.location, &held) == attributes && held.location <= run.location &&
+               held.end() >= run.end();
+    });
+    return same;
+}
+
 QString DocumentTextStorage::string() const
 {
-    if (m_staging)
-        return m_staged->text();
-    if (!m_cacheValid) {
-        // The document separates paragraphs with U+2029 where the note has a line feed.
-        m_cachedText = m_document->toRawText();
-        m_cachedText.replace(QChar::ParagraphSeparator, u'\n');
-        m_cacheValid = true;
-    }
-    return m_cachedText;
+    return current().text();
 }
 
 qsizetype DocumentTextStorage::length() const
 {
-    if (m_staging)
-        return m_staged->length();
-    return std::max(0, m_document->characterCount() - 1);
+    return current().length();
 }
 
 TextRange DocumentTextStorage::clamp(const TextRange &range) const
@@ -93,37 +163,19 @@ void DocumentTextStorage::setSelectedRange(const TextRange &range)
 
 TextAttributes DocumentTextStorage::attributesAt(qsizetype index, TextRange *effectiveRange) const
 {
-    if (m_staging)
-        return m_staged->attributesAt(index, effectiveRange);
-    const qsizetype size = length();
-    const qsizetype at = qBound<qsizetype>(0, index, std::max<qsizetype>(0, size - 1));
-    TextAttributes found;
-    TextRange foundRange{at, size > 0 ? 1 : 0};
-    // The run is looked for within the paragraph: enough for every pass, and it keeps a
-    // look-up in a long note from walking the whole document.
-    const QTextBlock block = m_document->findBlock(int(at));
-    enumerateRuns({block.position(), block.length()}, [&](const TextRange &run, const TextAttributes &attributes) {
-        if (run.contains(at)) {
-            found = attributes;
-            foundRange = run;
-        }
-    });
-    if (effectiveRange)
-        *effectiveRange = foundRange;
-    return found;
+    return current().attributesAt(index, effectiveRange);
 }
 
 void DocumentTextStorage::enumerateRuns(const TextRange &range, const RunVisitor &visit) const
 {
-    if (m_staging)
-        m_staged->enumerateRuns(range, visit);
-    else
-        enumerateDocumentRuns(range, visit);
+    current().enumerateRuns(range, visit);
 }
 
 void DocumentTextStorage::enumerateDocumentRuns(const TextRange &range, const RunVisitor &visit) const
 {
-    const TextRange r = clamp(range);
+    const qsizetype size = documentLength();
+    const qsizetype location = qBound<qsizetype>(0, range.location, size);
+    const TextRange r{location, qBound<qsizetype>(location, range.end(), size) - location};
     if (r.isEmpty())
         return;
     // Fragments break at paragraph ends even where the attributes go on: join equal
@@ -301,7 +353,7 @@ void DocumentTextStorage::changeRuns(const TextRange &range, Change change)
         bool paragraphChanged;
     };
     std::vector<Changed> runs;
-    enumerateRuns(r, [&](const TextRange &run, const TextAttributes &attributes) {
+    m_mirror->enumerateRuns(r, [&](const TextRange &run, const TextAttributes &attributes) {
         TextAttributes changed = attributes;
         change(changed);
         if (!(changed == attributes)) {
@@ -311,6 +363,10 @@ void DocumentTextStorage::changeRuns(const TextRange &range, Change change)
     });
     if (runs.empty())
         return;
+    // The copy goes first: whoever hears of the document's change reads the new state.
+    for (const Changed &changed : runs)
+        m_mirror->setAttributes(changed.run, changed.attributes);
+    const OwnChange own(m_ownChanges);
     QTextCursor cursor(m_document);
     cursor.beginEditBlock();
     for (const Changed &changed : runs) {
@@ -360,13 +416,13 @@ void DocumentTextStorage::replaceCharacters(const TextRange &range, const QStrin
         return;
     }
     const TextRange r = clamp(range);
+    m_mirror->replaceCharacters(r, text, attributes);
+    const OwnChange own(m_ownChanges);
     QTextCursor cursor(m_document);
     cursor.setPosition(int(r.location));
     cursor.setPosition(int(r.end()), QTextCursor::KeepAnchor);
     cursor.insertText(text, charFormat(attributes));
     applyParagraph({r.location, text.size()}, attributes);
-    // Within a batch the document tells of its changes only when the batch ends.
-    m_cacheValid = false;
 }
 
 void DocumentTextStorage::setText(const QString &text, const TextAttributes &attributes)
@@ -379,22 +435,26 @@ void DocumentTextStorage::setText(const QString &text, const TextAttributes &att
         return;
     }
     const TextRange selection = selectedRange();
-    QTextCursor cursor(m_document);
-    cursor.beginEditBlock();
-    cursor.select(QTextCursor::Document);
-    cursor.insertText(text, charFormat(attributes));
-    cursor.endEditBlock();
-    m_cacheValid = false;
-    applyParagraph({0, length()}, attributes);
+    {
+        m_mirror->setText(text, attributes);
+        const OwnChange own(m_ownChanges);
+        QTextCursor cursor(m_document);
+        cursor.beginEditBlock();
+        cursor.select(QTextCursor::Document);
+        cursor.insertText(text, charFormat(attributes));
+        cursor.endEditBlock();
+        applyParagraph({0, text.size()}, attributes);
+    }
     setSelectedRange(selection);
 }
 
 void DocumentTextStorage::layStaged()
 {
     m_staging = false;
+    const OwnChange own(m_ownChanges);
     const AttributedText &staged = *m_staged;
     const QString &now = staged.text();
-    const QString before = string();
+    const QString before = m_mirror->text();
 
     qsizetype prefix = 0;
     const qsizetype shorter = std::min(before.size(), now.size());
@@ -404,9 +464,15 @@ void DocumentTextStorage::layStaged()
     while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
         ++suffix;
     if (prefix + suffix < before.size() || prefix + suffix < now.size()) {
-        layText({prefix, before.size() - prefix - suffix}, {prefix, now.size() - prefix - suffix});
-        m_cachedText = now;
-        m_cacheValid = true;
+        const qsizetype removed = before.size() - prefix - suffix;
+        const TextRange inserted{prefix, now.size() - prefix - suffix};
+        layText({prefix, removed}, inserted);
+        // The copy takes the new text with the runs it was laid with, so that they
+        // compare equal below.
+        m_mirror->replaceCharacters({prefix, removed}, now.mid(inserted.location, inserted.length), {});
+        staged.enumerateRuns(inserted, [&](const TextRange &run, const TextAttributes &attributes) {
+            m_mirror->setAttributes(run, attributes);
+        });
     }
 
     // The runs as the batch left them, against the runs as the document has them. The
@@ -423,7 +489,7 @@ void DocumentTextStorage::layStaged()
     };
     std::vector<Change> changes;
     std::size_t next = 0;
-    enumerateDocumentRuns({0, length()}, [&](const TextRange &laid, const TextAttributes &attributes) {
+    m_mirror->enumerateRuns({0, m_mirror->length()}, [&](const TextRange &laid, const TextAttributes &attributes) {
         while (next < m_stagedRuns.size() && m_stagedRuns[next].first.end() <= laid.location)
             ++next;
         for (std::size_t i = next; i < m_stagedRuns.size() && m_stagedRuns[i].first.location < laid.end(); ++i) {
@@ -464,10 +530,12 @@ void DocumentTextStorage::layStaged()
     }
 
     const TextRange selection = staged.selectedRange();
+    // The staged copy is what the document holds now; the old copy's room is kept for
+    // the next batch that stages.
+    std::swap(m_mirror, m_staged);
+    m_staged->setText({}, {});
     if (!(selection == selectedRange()))
         setSelectedRange(selection);
-    // The runs are kept for their room, the text is let go.
-    m_staged->setText({}, {});
 }
 
 void DocumentTextStorage::layText(const TextRange &replaced, const TextRange &staged)
@@ -512,7 +580,11 @@ void DocumentTextStorage::endEditing()
     if (m_editingDepth > 0 && --m_editingDepth == 0 && m_batch) {
         if (m_staging)
             layStaged();
-        m_batch->endEditBlock();
+        {
+            // The document tells of the batch's changes only now; the copy has them.
+            const OwnChange own(m_ownChanges);
+            m_batch->endEditBlock();
+        }
         // Put back once the document is laid out again, when the scroll range is its own.
         if (const auto scroll = std::exchange(m_keptScroll, std::nullopt)) {
             m_editor->horizontalScrollBar()->setValue(scroll->x());
@@ -527,12 +599,25 @@ void DocumentTextStorage::setTypingAttributes(const TextAttributes &attributes)
     if (!(attributes == m_typingAttributes))
         m_paragraphHeights.clear();
     m_typingAttributes = attributes;
-    m_editor->setCurrentCharFormat(charFormat(attributes));
+    setEditorCharFormat(charFormat(attributes));
 }
 
 void DocumentTextStorage::applyTypingAttributes()
 {
-    m_editor->setCurrentCharFormat(charFormat(m_typingAttributes));
+    setEditorCharFormat(charFormat(m_typingAttributes));
+}
+
+void DocumentTextStorage::setEditorCharFormat(const QTextCharFormat &format)
+{
+    // With text selected the editor gives the selection the format as well: the copy
+    // follows at once, as the document may tell of it only when a batch ends.
+    const QTextCursor cursor = m_editor->textCursor();
+    const OwnChange own(m_ownChanges);
+    m_editor->setCurrentCharFormat(format);
+    if (cursor.hasSelection()) {
+        const qsizetype length = cursor.selectionEnd() - cursor.selectionStart();
+        followDocument(cursor.selectionStart(), length, length);
+    }
 }
 
 void DocumentTextStorage::invalidateDisplay(const TextRange &)
@@ -552,6 +637,7 @@ void DocumentTextStorage::refreshFormats()
     m_recentFormats.clear();
     std::vector<std::pair<TextRange, TextAttributes>> runs;
     enumerateRuns({0, length()}, [&](const TextRange &run, const TextAttributes &a) { runs.emplace_back(run, a); });
+    const OwnChange own(m_ownChanges);
     QTextCursor cursor(m_document);
     cursor.beginEditBlock();
     for (const auto &[run, attributes] : runs) {
@@ -560,7 +646,7 @@ void DocumentTextStorage::refreshFormats()
         cursor.setCharFormat(charFormat(attributes));
     }
     cursor.endEditBlock();
-    m_editor->setCurrentCharFormat(charFormat(m_typingAttributes));
+    setEditorCharFormat(charFormat(m_typingAttributes));
 }
 
 std::vector<double> DocumentTextStorage::paragraphHeights(const QString &text) const

@@ -71,11 +71,24 @@ public:
     void applyTypingAttributes();
     // Re-derives every visible format from the stored attributes, as after a theme change.
     void refreshFormats();
+    // Whether the copy the passes read is the document's text and attributes exactly;
+    // for the tests.
+    bool mirrorsDocument() const;
 
 private:
     template<typename Change>
     void changeRuns(const TextRange &range, Change change);
     void enumerateDocumentRuns(const TextRange &range, const RunVisitor &visit) const;
+    QString documentText(qsizetype from, qsizetype to) const;
+    qsizetype documentLength() const;
+    // The text and runs the passes read: the staged copy while a batch stages, else the
+    // copy of the document.
+    const AttributedText &current() const;
+    void reloadMirror();
+    // Brings the copy up to the document after a change in `removed` characters from
+    // `position`, now `added` characters.
+    void followDocument(qsizetype position, qsizetype removed, qsizetype added);
+    void setEditorCharFormat(const QTextCharFormat &format);
     // Brings the document to the text and runs of the batch's staged copy, touching only
     // the text between their common start and end and the runs whose attributes differ.
     void layStaged();
@@ -101,14 +114,17 @@ private:
     // when it ends. A restyle sets the note's text anew and styles it from nothing; laid
     // straight into the document, that would be every paragraph shaped and laid out
     // again, where mostly nothing has changed.
+    // The document's text and attributes, kept in memory: reading them from the document
+    // walks every paragraph, which on a long note was most of what a keystroke cost.
+    std::unique_ptr<AttributedText> m_mirror;
+    // The document's changes made by the storage itself, under way.
+    int m_ownChanges = 0;
     std::unique_ptr<AttributedText> m_staged;
     bool m_staging = false;
     // Where the view was scrolled to before the batch laid the whole text anew.
     std::optional<QPoint> m_keptScroll;
     std::vector<std::pair<TextRange, const TextAttributes *>> m_stagedRuns;
     bool m_redrawQueued = false;
-    mutable QString m_cachedText;
-    mutable bool m_cacheValid = false;
     // Node-based, so that a reference to one entry outlives the insertion of another.
     mutable std::unordered_map<int, TextAttributes> m_attributesByFormat;
     // The visible formats of the attributes most recently laid. A restyle lays the same
