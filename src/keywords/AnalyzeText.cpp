@@ -117,18 +117,21 @@ QString currencySymbolOf(QStringView text)
 
 const std::vector<FoundNumber> &LineNumbersCache::numbersOf(QStringView line, const NumberLocale &locale)
 {
-    const QString separators = locale.decimalSeparator() % u' ' % locale.groupingSeparator();
     // A note read with other separators has other numbers; and a cache that only grows
     // would keep every line ever typed.
-    if (separators != m_separators || m_numbers.size() > 50000) {
+    if (locale.decimalSeparator() != m_decimalSeparator || locale.groupingSeparator() != m_groupingSeparator ||
+        m_numbers.size() > 50000) {
         m_numbers.clear();
-        m_separators = separators;
+        m_decimalSeparator = locale.decimalSeparator();
+        m_groupingSeparator = locale.groupingSeparator();
     }
-    const QString key = line.toString();
-    auto found = m_numbers.constFind(key);
-    if (found == m_numbers.constEnd())
-        found = m_numbers.insert(key, findNumbers(key, locale));
-    return *found;
+    auto found = m_numbers.find(line);
+    if (found == m_numbers.end()) {
+        QString key = line.toString();
+        std::vector<FoundNumber> numbers = findNumbers(key, locale);
+        found = m_numbers.emplace(std::move(key), std::move(numbers)).first;
+    }
+    return found->second;
 }
 
 TextAnalysis analyzeText(const QString &text, const TotalsFormat &format)

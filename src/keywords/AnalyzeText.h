@@ -7,6 +7,7 @@
 #include <QStringView>
 
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace scrivlet {
@@ -77,8 +78,18 @@ public:
     const std::vector<FoundNumber> &numbersOf(QStringView line, const NumberLocale &locale);
 
 private:
-    QHash<QString, std::vector<FoundNumber>> m_numbers;
-    QString m_separators;
+    // Looked up by the line as it stands in the note's text, without a copy of it.
+    struct LineHash {
+        using is_transparent = void;
+        std::size_t operator()(QStringView line) const { return qHash(line); }
+    };
+    struct SameLine {
+        using is_transparent = void;
+        bool operator()(QStringView a, QStringView b) const { return a == b; }
+    };
+    std::unordered_map<QString, std::vector<FoundNumber>, LineHash, SameLine> m_numbers;
+    QString m_decimalSeparator;
+    QString m_groupingSeparator;
 };
 
 // A rough syllable count for readability scores: each run of vowels (y included) is a
