@@ -8,6 +8,7 @@
 #include "views/HintTextView.h"
 #include "views/LinkInteraction.h"
 #include "views/NoteTextEdit.h"
+#include "platform/TextDifference.h"
 #include "platform/qt/DocumentTextStorage.h"
 
 #include <QEvent>
@@ -189,15 +190,9 @@ void NoteEditorView::applyUndoStep(const NoteSnippetForUndoManagement &step)
     TextStorage &storage = m_edit->storage();
     const QString before = storage.string();
     const QString &after = step.content;
-    qsizetype prefix = 0;
-    const qsizetype shorter = std::min(before.size(), after.size());
-    while (prefix < shorter && before.at(prefix) == after.at(prefix))
-        ++prefix;
-    qsizetype suffix = 0;
-    while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == after.at(after.size() - 1 - suffix))
-        ++suffix;
-    const TextRange replaced{prefix, before.size() - prefix - suffix};
-    const QString replacement = after.mid(prefix, after.size() - prefix - suffix);
+    const TextDifference difference = textDifference(before, after);
+    const TextRange replaced = difference.before;
+    const QString replacement = after.mid(difference.after.location, difference.after.length);
 
     // Put back as a paste is: the whole note is looked at again.
     m_session->recordEdit(before, replaced, replacement, UserActionType::paste);

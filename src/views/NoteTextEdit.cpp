@@ -1,5 +1,6 @@
 #include "views/NoteTextEdit.h"
 
+#include "platform/TextDifference.h"
 #include "platform/qt/DocumentTextStorage.h"
 #include "views/LinkInteraction.h"
 
@@ -214,20 +215,13 @@ void NoteTextEdit::documentChanged()
     }
     const QString before = std::exchange(m_lastText, now);
 
-    // The replaced range is what lies between the common start and the common end.
-    qsizetype prefix = 0;
-    const qsizetype shorter = std::min(before.size(), now.size());
     // The document says where the change began, which settles typing "a" into "aa".
-    while (prefix < shorter && prefix < changeStart && before.at(prefix) == now.at(prefix))
-        ++prefix;
-    qsizetype suffix = 0;
-    while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
-        ++suffix;
+    const TextDifference difference = textDifference(before, now, changeStart);
 
     Edit edit;
     edit.before = before;
-    edit.replaced = {prefix, before.size() - prefix - suffix};
-    edit.inserted = now.mid(prefix, now.size() - prefix - suffix);
+    edit.replaced = difference.before;
+    edit.inserted = now.mid(difference.after.location, difference.after.length);
     edit.action = m_action;
     if (m_onEdit)
         m_onEdit(edit);

@@ -1,6 +1,7 @@
 #include "platform/qt/DocumentTextStorage.h"
 
 #include "platform/AttributedText.h"
+#include "platform/TextDifference.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QColor>
@@ -456,20 +457,12 @@ void DocumentTextStorage::layStaged()
     const QString &now = staged.text();
     const QString before = m_mirror->text();
 
-    qsizetype prefix = 0;
-    const qsizetype shorter = std::min(before.size(), now.size());
-    while (prefix < shorter && before.at(prefix) == now.at(prefix))
-        ++prefix;
-    qsizetype suffix = 0;
-    while (suffix < shorter - prefix && before.at(before.size() - 1 - suffix) == now.at(now.size() - 1 - suffix))
-        ++suffix;
-    if (prefix + suffix < before.size() || prefix + suffix < now.size()) {
-        const qsizetype removed = before.size() - prefix - suffix;
-        const TextRange inserted{prefix, now.size() - prefix - suffix};
-        layText({prefix, removed}, inserted);
+    if (const TextDifference difference = textDifference(before, now); !difference.isEmpty()) {
+        const TextRange inserted = difference.after;
+        layText(difference.before, inserted);
         // The copy takes the new text with the runs it was laid with, so that they
         // compare equal below.
-        m_mirror->replaceCharacters({prefix, removed}, now.mid(inserted.location, inserted.length), {});
+        m_mirror->replaceCharacters(difference.before, now.mid(inserted.location, inserted.length), {});
         staged.enumerateRuns(inserted, [&](const TextRange &run, const TextAttributes &attributes) {
             m_mirror->setAttributes(run, attributes);
         });
