@@ -77,6 +77,13 @@ NoteEditorView::NoteEditorView(const EditorContext &context, std::shared_ptr<Not
                 makeUndoCurrent();
                 m_undo->flushAndRegisterUndo();
             }));
+        // A command that rewrote the note's text has had it restyled by now: what it wrote
+        // is a step of its own.
+        m_subscriptions.push_back(
+            context.bus.subscribe(QStringLiteral("textProgrammaticallyChanged"), [this](const QVariantMap &) {
+                if (m_undo->isCurrentEditor(this))
+                    m_undo->flushAndRegisterUndo();
+            }));
         m_edit->installEventFilter(this);
     }
 

@@ -201,6 +201,13 @@ TEST_F(MainWindowTest, UndoAndRedoWalkTheNotesStepsAndAreSaved)
     QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(edit.storage().string(), QStringLiteral("sum\n12 apples!\n\nTotal: 12"));
     EXPECT_TRUE(edit.storage().mirrorsDocument());
+
+    // Text a command wrote into the note is undone as one step.
+    window->editorView().noteViewModel()->mutableNote().content = QStringLiteral("sum\n12 apples!\n8 pears");
+    m_bus.post(QStringLiteral("textProgrammaticallyChanged"));
+    EXPECT_EQ(edit.storage().string(), QStringLiteral("sum\n12 apples!\n8 pears\n\nTotal: 20"));
+    QTest::keyClick(&edit, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(edit.storage().string(), QStringLiteral("sum\n12 apples!\n\nTotal: 12"));
 }
 
 TEST_F(MainWindowTest, RestylingTheWholeNoteKeepsTheReadersPlace)
