@@ -200,26 +200,25 @@ void UndoManagement::textDidChange()
 
 std::optional<UndoManagement::Snapshot> UndoManagement::undo()
 {
-    flushAndRegisterUndo();
-    NoteUndoState *state = current();
-    if (!state || state->undoStates.empty() || !state->latestState)
-        return std::nullopt;
-    state->redoStates.push_back(*state->latestState);
-    state->latestState = std::move(state->undoStates.back());
-    state->undoStates.pop_back();
-    return state->latestState;
+    return step(&NoteUndoState::undoStates, &NoteUndoState::redoStates);
 }
 
 std::optional<UndoManagement::Snapshot> UndoManagement::redo()
 {
-    // Typing since the undo is a new step, and a new step leaves nothing to redo.
+    return step(&NoteUndoState::redoStates, &NoteUndoState::undoStates);
+}
+
+std::optional<UndoManagement::Snapshot> UndoManagement::step(Stack NoteUndoState::*from, Stack NoteUndoState::*to)
+{
+    // What was typed since the last step is a step first; after an undo it is a new one,
+    // and a new step leaves nothing to redo.
     flushAndRegisterUndo();
     NoteUndoState *state = current();
-    if (!state || state->redoStates.empty() || !state->latestState)
+    if (!state || (state->*from).empty() || !state->latestState)
         return std::nullopt;
-    state->undoStates.push_back(*state->latestState);
-    state->latestState = std::move(state->redoStates.back());
-    state->redoStates.pop_back();
+    (state->*to).push_back(*state->latestState);
+    state->latestState = std::move((state->*from).back());
+    (state->*from).pop_back();
     return state->latestState;
 }
 

@@ -91,6 +91,9 @@ public:
     qsizetype noteCount() const { return m_noteUndoStates.size(); }
 
 private:
+    using Stack = std::vector<NoteSnippetForUndoManagement>;
+    // Goes one step along: the state now onto `to`, the last of `from` applied.
+    std::optional<Snapshot> step(Stack NoteUndoState::*from, Stack NoteUndoState::*to);
     NoteUndoState *current();
     const NoteUndoState *current() const;
     void evict();

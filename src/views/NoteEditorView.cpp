@@ -167,19 +167,20 @@ void NoteEditorView::recordTextChange()
 
 void NoteEditorView::undo()
 {
-    if (!m_undo || !m_opened)
-        return;
-    makeUndoCurrent();
-    if (const auto step = m_undo->undo())
-        applyUndoStep(*step);
+    walkHistory(&UndoManagement::undo);
 }
 
 void NoteEditorView::redo()
 {
+    walkHistory(&UndoManagement::redo);
+}
+
+void NoteEditorView::walkHistory(std::optional<NoteSnippetForUndoManagement> (UndoManagement::*walk)())
+{
     if (!m_undo || !m_opened)
         return;
     makeUndoCurrent();
-    if (const auto step = m_undo->redo())
+    if (const auto step = (m_undo->*walk)())
         applyUndoStep(*step);
 }
 

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <optional>
 
 namespace scrivlet {
 
@@ -53,6 +54,7 @@ private:
     void makeUndoCurrent();
     NoteSnippetForUndoManagement undoSnapshot() const;
     void recordTextChange();
+    void walkHistory(std::optional<NoteSnippetForUndoManagement> (UndoManagement::*walk)());
     void applyUndoStep(const NoteSnippetForUndoManagement &step);
 
     std::shared_ptr<NoteViewModel> m_note;

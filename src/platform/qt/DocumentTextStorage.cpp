@@ -82,11 +82,8 @@ qsizetype DocumentTextStorage::documentLength() const
 
 void DocumentTextStorage::reloadMirror()
 {
-    const qsizetype size = documentLength();
-    m_mirror->setText(documentText(0, size), {});
-    enumerateDocumentRuns({0, size}, [&](const TextRange &run, const TextAttributes &attributes) {
-        m_mirror->setAttributes(run, attributes);
-    });
+    // The whole text replaced by the whole document: the counts always agree.
+    followDocument(0, m_mirror->length(), documentLength());
 }
 
 void DocumentTextStorage::followDocument(qsizetype position, qsizetype removed, qsizetype added)
